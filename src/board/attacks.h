@@ -1,0 +1,66 @@
+// Precomputed attack tables and attack queries.
+#pragma once
+
+#include "board/bitboard.h"
+
+namespace vx {
+
+struct Position;
+
+extern Bitboard king_attacks[64];
+extern Bitboard knight_attacks[64];
+extern Bitboard pawn_attacks[2][64];
+extern Bitboard rook_pseudo[64];
+extern Bitboard bishop_pseudo[64];
+extern Bitboard queen_pseudo[64];
+extern Bitboard between[64][64];
+extern Bitboard line[64][64];
+extern Bitboard knight_two[64];
+extern Bitboard adjacent_files[8];
+extern Bitboard files_east[8];
+extern Bitboard files_west[8];
+extern Bitboard forward_ranks[2][8];
+extern Bitboard forward_file[2][64];
+extern Bitboard pawn_attack_span[2][64];
+extern Bitboard passed_pawn_mask[2][64];
+extern Bitboard king_zone[2][64];
+
+struct Magic {
+  Bitboard mask;
+  Bitboard magic;
+  const Bitboard* table;
+  unsigned shift;
+  unsigned index(Bitboard occ) const { return unsigned(((occ & mask) * magic) >> shift); }
+};
+extern Magic rook_magics[64];
+extern Magic bishop_magics[64];
+
+void InitAttackTables();
+
+inline Bitboard RookAttacks(Square s, Bitboard occ) { return rook_magics[s].table[rook_magics[s].index(occ)]; }
+inline Bitboard BishopAttacks(Square s, Bitboard occ) { return bishop_magics[s].table[bishop_magics[s].index(occ)]; }
+inline Bitboard QueenAttacks(Square s, Bitboard occ) { return RookAttacks(s, occ) | BishopAttacks(s, occ); }
+inline int Distance(Square a, Square b) { return distance(a, b); }
+
+// Squares attacked by each side, and the pieces that alone stand between each
+// king and an enemy slider (pins of the king's side, discovered-check
+// candidates of the other side).
+struct AttackInfo {
+  Bitboard attacked_by_white;
+  Bitboard attacked_by_black;
+  Bitboard black_king_blockers;
+  Bitboard white_king_blockers;
+
+  Bitboard attacked_by(Color c) const { return c == WHITE ? attacked_by_white : attacked_by_black; }
+  Bitboard king_blockers(Color c) const { return c == WHITE ? white_king_blockers : black_king_blockers; }
+};
+
+void ComputeAttackInfo(const Position& pos, AttackInfo& info);
+// Attacked by a pawn, knight, bishop, rook or queen of that colour (kings ignored).
+bool IsAttackedByWhite(const Position& pos, Square s);
+bool IsAttackedByBlack(const Position& pos, Square s);
+template <Color C> inline bool IsAttackedBy(const Position& pos, Square s) {
+  return C == WHITE ? IsAttackedByWhite(pos, s) : IsAttackedByBlack(pos, s);
+}
+
+}  // namespace vx

@@ -1,0 +1,31 @@
+// The small operating-system layer: monotonic clock, processor features,
+// sleeping, read-only file mapping and directory listing.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace vx::platform {
+
+// Monotonic milliseconds since an arbitrary fixed point.
+int64_t now_ms();
+
+// CPUID leaf 1, ECX bit 23: the processor has the popcnt instruction.
+bool cpu_has_popcnt();
+
+void sleep_ms(int ms);
+
+// A read-only mapping of a whole file. Empty (data == nullptr) on failure.
+struct MappedFile {
+  const uint8_t* data = nullptr;
+  size_t size = 0;
+};
+MappedFile map_file(const std::string& path);
+void unmap_file(MappedFile& f);
+
+// Names (not paths) of the regular files in a directory; empty on failure.
+std::vector<std::string> list_directory(const std::string& dir);
+
+}  // namespace vx::platform

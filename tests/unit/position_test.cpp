@@ -1,0 +1,245 @@
+// Position set-up, make/unmake, incremental keys and draw tests.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "test_util.h"
+
+namespace vx {
+namespace {
+
+using test::move_of;
+
+void expect_incremental_equals_recomputed(const Position& pos) {
+  ASSERT_EQ(pos.state->key, pos.compute_key());
+  ASSERT_EQ(pos.state->pawn_key, pos.compute_pawn_key());
+  ASSERT_EQ(pos.state->material_key, pos.compute_material_key());
+  ASSERT_EQ(pos.state->psq, pos.compute_psq());
+  ASSERT_EQ(pos.pieces[0], pos.pieces[1] | pos.pieces[2] | pos.pieces[3] | pos.pieces[4] | pos.pieces[5] |
+                               pos.pieces[6] | pos.pieces[7]);
+  ASSERT_EQ(pos.pieces[8], pos.pieces[9] | pos.pieces[10] | pos.pieces[11] | pos.pieces[12] | pos.pieces[13] |
+                               pos.pieces[14] | pos.pieces[15]);
+  for (Square s = 0; s < 64; ++s) ASSERT_TRUE(pos.pieces[pos.board[s]] & sq_bb(s) || pos.board[s] == 0);
+}
+
+struct Snapshot {
+  Piece board[64];
+  Bitboard pieces[16];
+  PositionState st;
+  Color side;
+  long history;
+  explicit Snapshot(const Position& p) : st(*p.state), side(p.side_to_move), history(p.key_history_top - p.key_history) {
+    std::memcpy(board, p.board, sizeof(board));
+    std::memcpy(pieces, p.pieces, sizeof(pieces));
+  }
+  bool operator==(const Snapshot& o) const {
+    return !std::memcmp(board, o.board, sizeof(board)) && !std::memcmp(pieces, o.pieces, sizeof(pieces)) &&
+           !std::memcmp(&st, &o.st, sizeof(st)) && side == o.side && history == o.history;
+  }
+};
+
+// Long random games (castling, en passant, promotions and null moves occur):
+// after every move the incremental state equals a recomputation, and undoing
+// restores every field.
+TEST(Position, RandomGamesKeepIncrementalStateExact) {
+  const char* starts[] = {
+      "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1",
+      "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -",
+      "r1k1r2q/p1ppp1pp/8/8/8/8/P1PPP1PP/R1K1R2Q w AEae - 0 1",
+      "4r3/3k4/8/8/8/8/6PP/qR1K1R2 w FB -",
+      "n1n5/PPPk4/8/8/8/8/4Kppp/5N1N b - -",
+  };
+  uint64_t rng = 99;
+  int castles = 0, en_passants = 0, promotions = 0;
+  for (const char* fen : starts) {
+    for (int game = 0; game < 40; ++game) {
+      Position pos = test::from_fen(fen);
+      std::vector<std::pair<Move, Snapshot>> path;
+      for (int ply = 0; ply < 120 && pos.ply_count() < STATE_STACK_SIZE - 2; ++ply) {
+        MoveList moves;
+        GenerateLegal(pos, moves);
+        if (!moves.size) break;
+        Snapshot before(pos);
+        Move m = moves.moves[xorshift_step(rng) % moves.size];
+        bool null_move = !InCheck(pos) && xorshift_step(rng) % 16 == 0;
+        if (null_move) {
+          pos.DoNullMove();
+          m = MOVE_NULL;
+        } else {
+          castles += is_castling(m);
+          en_passants += is_en_passant(m);
+          promotions += is_promotion(m) != 0;
+          test::play(pos, m);
+        }
+        expect_incremental_equals_recomputed(pos);
+        path.emplace_back(m, before);
+      }
+      while (!path.empty()) {
+        auto& [m, before] = path.back();
+        if (m == MOVE_NULL) pos.UndoNullMove();
+        else test::unplay(pos, m);
+        ASSERT_TRUE(Snapshot(pos) == before);
+        path.pop_back();
+      }
+    }
+  }
+  EXPECT_GT(castles, 0);
+  EXPECT_GT(en_passants, 0);
+  EXPECT_GT(promotions, 0);
+}
+
+TEST(Position, StartPositionGrantsAllRightsAndTransposes) {
+  Position pos = test::startpos();
+  EXPECT_EQ(pos.state->castling_rights, 15u);
+  EXPECT_EQ(pos.castling[0].move_to, SQ_G1);
+  EXPECT_EQ(pos.castling[1].move_to, SQ_C1);
+  EXPECT_EQ(pos.castling[2].move_to, SQ_G8);
+  EXPECT_EQ(pos.castling[3].move_to, SQ_C8);
+  const Key start = pos.state->key;
+  for (const char* m : {"e2e4", "e7e5", "g1f3", "b8c6", "f3g1", "c6b8"}) pos.ApplyGameMove(move_of(pos, m));
+  Position again = test::from_fen("rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq - 0 3");
+  EXPECT_EQ(pos.state->key, again.state->key);
+  EXPECT_NE(pos.state->key, start);
+}
+
+TEST(Position, EnPassantSquareOnlyWhenAnEnemyPawnIsBeside) {
+  Position pos = test::startpos();
+  pos.ApplyGameMove(move_of(pos, "e2e4"));
+  EXPECT_EQ(pos.state->ep_square, 0u);
+  Position fen = test::from_fen("rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3 0 1");
+  EXPECT_EQ(fen.state->ep_square, uint32_t(SQ_E3));
+  EXPECT_NE(fen.state->key, pos.state->key);
+  Position beside = test::from_fen("4k3/8/8/8/3p4/8/4P3/4K3 w - - 0 1");
+  beside.ApplyGameMove(move_of(beside, "e2e4"));
+  EXPECT_EQ(beside.state->ep_square, uint32_t(SQ_E3));
+  // A wrong rank for the side to move is ignored.
+  EXPECT_EQ(test::from_fen("4k3/8/8/8/4P3/8/8/4K3 w - e3 0 1").state->ep_square, 0u);
+}
+
+TEST(Position, FenDialect) {
+  Position pos;
+  test::init();
+  EXPECT_TRUE(pos.SetFromFen("4k3/8/8/8/8/8/8/4K3 w"));
+  EXPECT_EQ(pos.state->castling_rights, 0u);
+  EXPECT_TRUE(pos.SetFromFen("4k3/8/8/8/8/8/8/4K3 b - - 45 80"));
+  EXPECT_EQ(pos.state->rule50, 0u);
+  EXPECT_EQ(pos.side_to_move, BLACK);
+  EXPECT_FALSE(pos.SetFromFen("4k3/8/8/8/8/8/8/4K3 x - -"));
+  EXPECT_FALSE(pos.SetFromFen("4k3/8/8/8/8/8/8/4X3 w - -"));
+  EXPECT_FALSE(pos.SetFromFen("4k3/8/8/8/8/8/8/4K3"));
+  EXPECT_FALSE(pos.SetFromFen("4k3/8/8/8/8/8/8/4K3p w - -"));
+  EXPECT_FALSE(pos.SetFromFen(""));
+  // Bishop codes follow the square colour.
+  EXPECT_TRUE(pos.SetFromFen("2b1kb2/8/8/8/8/8/8/2B1KB2 w - -"));
+  EXPECT_EQ(pos.board[SQ_C1], W_BISHOP_D);
+  EXPECT_EQ(pos.board[SQ_F1], W_BISHOP_L);
+  EXPECT_EQ(pos.board[SQ_C8], B_BISHOP_L);
+  EXPECT_EQ(pos.board[SQ_F8], B_BISHOP_D);
+  // "K" in a position whose king is not on e1 grants nothing.
+  EXPECT_TRUE(pos.SetFromFen("4k3/8/8/8/8/8/8/5K1R w K -"));
+  EXPECT_EQ(pos.state->castling_rights, 0u);
+}
+
+TEST(Position, RookFileLettersOnTheStandardArray) {
+  Position pos = test::from_fen("r3k2r/8/8/8/8/8/8/R3K2R w HAha - 0 1");
+  EXPECT_EQ(pos.state->castling_rights, 15u);
+  EXPECT_EQ(pos.castling[0].move_to, SQ_H1);
+  EXPECT_EQ(pos.castling[1].move_to, SQ_A1);
+  EXPECT_NE(ParseMove(pos, "e1h1"), MOVE_NONE);
+  EXPECT_EQ(ParseMove(pos, "e1g1"), MOVE_NONE);
+  Position std = test::from_fen("r3k2r/8/8/8/8/8/8/R3K2R w KQkq - 0 1");
+  EXPECT_NE(ParseMove(std, "e1g1"), MOVE_NONE);
+  EXPECT_EQ(ParseMove(std, "e1h1"), MOVE_NONE);
+}
+
+TEST(Position, Chess960CastlingVacatesBeforeFilling) {
+  Position pos = test::from_fen("4k3/8/8/8/8/8/8/RK6 w A - 0 1");
+  Move m = move_of(pos, "b1a1");
+  pos.ApplyGameMove(m);
+  EXPECT_EQ(pos.board[SQ_C1], W_KING);
+  EXPECT_EQ(pos.board[SQ_D1], W_ROOK);
+  EXPECT_EQ(pos.board[SQ_A1], NO_PIECE);
+  EXPECT_EQ(pos.board[SQ_B1], NO_PIECE);
+  EXPECT_EQ(pos.state->rule50, 0u);
+
+  Position pos2 = test::from_fen("4k3/8/8/8/8/8/8/5KR1 w G - 0 1");
+  Move m2 = move_of(pos2, "f1g1");
+  Snapshot before(pos2);
+  pos2.DoMove<WHITE>(m2);
+  EXPECT_EQ(pos2.board[SQ_G1], W_KING);
+  EXPECT_EQ(pos2.board[SQ_F1], W_ROOK);
+  EXPECT_EQ(pos2.state->key, pos2.compute_key());
+  pos2.UndoMove<WHITE>(m2);
+  EXPECT_TRUE(Snapshot(pos2) == before);
+}
+
+TEST(Position, NullMoveCountsTowardsTheFiftyMoveRule) {
+  Position pos = test::from_fen("4k3/8/8/8/8/8/8/R3K3 w Q - 7 1");
+  pos.DoNullMove();
+  EXPECT_EQ(pos.state->rule50, 1u);
+  EXPECT_EQ(pos.side_to_move, BLACK);
+  EXPECT_EQ(pos.state->key, pos.compute_key());
+  pos.UndoNullMove();
+  pos.ApplyGameMove(move_of(pos, "e1c1"));
+  EXPECT_EQ(pos.state->rule50, 0u);
+}
+
+TEST(Position, RepetitionWithinTheFiftyMoveWindow) {
+  Position pos = test::startpos();
+  for (const char* m : {"g1f3", "g8f6", "f3g1"}) pos.ApplyGameMove(move_of(pos, m));
+  EXPECT_FALSE(pos.IsRepetition());
+  pos.ApplyGameMove(move_of(pos, "f6g8"));
+  EXPECT_TRUE(pos.IsRepetition());
+  // An irreversible move starts the key list afresh, so nothing before it is compared.
+  pos.ApplyGameMove(move_of(pos, "e2e4"));
+  EXPECT_EQ(pos.key_history_top, pos.key_history);
+  EXPECT_FALSE(pos.IsRepetition());
+}
+
+TEST(Position, FiftyMoveDrawExceptWhenMated) {
+  // 99 reversible plies, then a rook move on the 100th: mate is no draw.
+  Position pos = test::from_fen("7k/8/6K1/8/8/n7/8/3R4 b - - 0 1");
+  const char* cycle[] = {"a3b5", "d1d2", "b5a3", "d2d1"};
+  for (int ply = 0; ply < 99; ++ply) pos.ApplyGameMove(move_of(pos, cycle[ply % 4]));
+  ASSERT_EQ(pos.state->rule50, 99u);
+  EXPECT_FALSE(pos.IsRule50Draw());
+  Position mated = pos, quiet = pos;
+  mated.ApplyGameMove(move_of(mated, "d2d8"));
+  quiet.ApplyGameMove(move_of(quiet, "d2e2"));
+  EXPECT_EQ(mated.state->rule50, 100u);
+  EXPECT_FALSE(mated.IsRule50Draw());
+  EXPECT_TRUE(quiet.IsRule50Draw());
+}
+
+TEST(Position, AnyNumberOfReversibleGameMovesFits) {
+  Position pos = test::startpos();
+  const char* cycle[] = {"g1f3", "g8f6", "f3g1", "f6g8"};
+  for (int i = 0; i < 2000; ++i) pos.ApplyGameMove(move_of(pos, cycle[i % 4]));
+  EXPECT_TRUE(pos.IsRepetition());
+  EXPECT_LT(pos.key_history_top - pos.key_history, KEY_HISTORY_COMPACT);
+  EXPECT_EQ(pos.state->rule50, 2000u);
+}
+
+TEST(Position, SearchabilityChecks) {
+  test::init();
+  Position pos;
+  ASSERT_TRUE(pos.SetFromFen("4k3/8/8/8/8/8/8/4K3 w - -"));
+  EXPECT_EQ(PositionDefect(pos), nullptr);
+  ASSERT_TRUE(pos.SetFromFen("4k3/8/8/8/8/8/8/8 w - -"));
+  EXPECT_NE(PositionDefect(pos), nullptr);
+  ASSERT_TRUE(pos.SetFromFen("4k3/8/8/8/8/8/8/3KK3 w - -"));
+  EXPECT_NE(PositionDefect(pos), nullptr);
+  ASSERT_TRUE(pos.SetFromFen("P3k3/8/8/8/8/8/8/4K3 w - -"));
+  EXPECT_NE(PositionDefect(pos), nullptr);
+  ASSERT_TRUE(pos.SetFromFen("4k3/8/8/8/8/8/8/R3K3 w - -"));
+  EXPECT_EQ(PositionDefect(pos), nullptr);
+  ASSERT_TRUE(pos.SetFromFen("4k3/8/8/8/8/8/8/4R1K1 w - -"));  // black in check, white to move
+  EXPECT_NE(PositionDefect(pos), nullptr);
+  ASSERT_TRUE(pos.SetFromFen("8/8/8/8/8/8/3k4/4K3 w - -"));  // kings touching
+  EXPECT_NE(PositionDefect(pos), nullptr);
+  ASSERT_TRUE(pos.SetFromFen("QQQQQQQQ/QQQQQQQQ/QQk5/8/8/8/8/4K3 w - -"));
+  EXPECT_NE(PositionDefect(pos), nullptr);
+}
+
+}  // namespace
+}  // namespace vx

@@ -1,0 +1,14 @@
+// Subcommands of the developer tool. Each takes the arguments after its name
+// and returns the process exit status.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vx::dev {
+
+using Args = std::vector<std::string>;
+
+int perft_command(const Args& args);
+
+}  // namespace vx::dev

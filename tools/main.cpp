@@ -1,0 +1,38 @@
+// vorlaxen-dev: developer tool (perft, evaluation trace, bench of either build,
+// match runner).
+#include <cstdio>
+#include <cstring>
+#include <functional>
+#include <map>
+
+#include "engine/startup.h"
+#include "tools/commands.h"
+
+namespace {
+
+void usage() {
+  std::puts(
+      "usage: vorlaxen-dev COMMAND [ARGS...]\n"
+      "  perft DEPTH FEN...|startpos   count leaf nodes per root move");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  using namespace vx::dev;
+  const std::map<std::string, std::function<int(const Args&)>> commands = {
+      {"perft", perft_command},
+  };
+  if (argc < 2) {
+    usage();
+    return 2;
+  }
+  auto it = commands.find(argv[1]);
+  if (it == commands.end()) {
+    std::fprintf(stderr, "vorlaxen-dev: unknown command '%s'\n", argv[1]);
+    usage();
+    return 2;
+  }
+  vx::InitStaticTables();
+  return it->second(Args(argv + 2, argv + argc));
+}
