@@ -10,5 +10,6 @@ namespace vx::dev {
 using Args = std::vector<std::string>;
 
 int perft_command(const Args& args);
+int magics_command(const Args& args);
 
 }  // namespace vx::dev

@@ -13,7 +13,8 @@ namespace {
 void usage() {
   std::puts(
       "usage: vorlaxen-dev COMMAND [ARGS...]\n"
-      "  perft DEPTH FEN...|startpos   count leaf nodes per root move");
+      "  perft DEPTH FEN...|startpos [--portable]   count leaf nodes per root move\n"
+      "  magics                                     print slider magic multipliers");
 }
 
 }  // namespace
@@ -22,6 +23,7 @@ int main(int argc, char** argv) {
   using namespace vx::dev;
   const std::map<std::string, std::function<int(const Args&)>> commands = {
       {"perft", perft_command},
+      {"magics", magics_command},
   };
   if (argc < 2) {
     usage();

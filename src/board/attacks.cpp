@@ -1,7 +1,7 @@
 #include "board/attacks.h"
 
 #include "board/position.h"
-#include "board/random.h"
+#include "board/magics.h"
 
 namespace vx {
 
@@ -75,53 +75,34 @@ Bitboard in_between(Square s1, Square s2) {
   return pattern & btwn;
 }
 
-// Deterministic search for magic multipliers with the standard index widths
-// (one bit per relevant occupancy square). A fixed seed makes every start-up
-// build the same tables.
-void init_magics(Magic* magics, Bitboard* table, const int* dirs) {
-  Bitboard occupancy[4096], reference[4096];
-  int epoch[4096] = {}, attempt = 0;
-  uint64_t seed = 0x9E3779B97F4A7C15ULL;
-  auto sparse_random = [&seed] {
-    uint64_t r = ~0ULL;
-    for (int i = 0; i < 3; ++i) r &= xorshift_step(seed) * 0x2545F4914F6CDD1DULL;
-    return r;
-  };
+// Fills one slider's attack array from the stored multipliers.
+void init_magics(Magic* magics, Bitboard* table, const Bitboard* multipliers, bool rook) {
   Bitboard* next = table;
   for (Square s = 0; s < 64; ++s) {
     Magic& m = magics[s];
-    Bitboard edges = ((RANK_1_BB | RANK_8_BB) & ~rank_bb(rank_of(s))) | ((FILE_A_BB | FILE_H_BB) & ~file_bb(file_of(s)));
-    m.mask = sliding_attacks(s, dirs, 0) & ~edges;
-    int bits = __builtin_popcountll(m.mask);
-    m.shift = 64 - bits;
+    m.mask = RelevantOccupancy(s, rook);
+    m.magic = multipliers[s];
+    m.shift = 64 - __builtin_popcountll(m.mask);
     m.table = next;
-    int size = 0;
     Bitboard b = 0;
     do {
-      occupancy[size] = b;
-      reference[size++] = sliding_attacks(s, dirs, b);
+      next[m.index(b)] = SlidingAttacks(s, rook, b);
       b = (b - m.mask) & m.mask;
     } while (b);
-    Bitboard* entries = next;
-    for (int i = 0; i < size;) {
-      do m.magic = sparse_random();
-      while (__builtin_popcountll((m.mask * m.magic) >> 56) < 6);
-      ++attempt;
-      for (i = 0; i < size; ++i) {
-        unsigned idx = m.index(occupancy[i]);
-        if (epoch[idx] < attempt) {
-          epoch[idx] = attempt;
-          entries[idx] = reference[i];
-        } else if (entries[idx] != reference[i]) {
-          break;
-        }
-      }
-    }
-    next += size;
+    next += Bitboard(1) << (64 - m.shift);
   }
 }
 
 }  // namespace
+
+Bitboard SlidingAttacks(Square s, bool rook, Bitboard occ) {
+  return sliding_attacks(s, rook ? ROOK_DIRS : BISHOP_DIRS, occ);
+}
+
+Bitboard RelevantOccupancy(Square s, bool rook) {
+  Bitboard edges = ((RANK_1_BB | RANK_8_BB) & ~rank_bb(rank_of(s))) | ((FILE_A_BB | FILE_H_BB) & ~file_bb(file_of(s)));
+  return SlidingAttacks(s, rook, 0) & ~edges;
+}
 
 void InitAttackTables() {
   for (Square s = 0; s < 64; ++s) {
@@ -174,8 +155,8 @@ void InitAttackTables() {
       king_zone[c][s] = zone;
     }
   }
-  init_magics(rook_magics, rook_table, ROOK_DIRS);
-  init_magics(bishop_magics, bishop_table, BISHOP_DIRS);
+  init_magics(rook_magics, rook_table, ROOK_MULTIPLIERS, true);
+  init_magics(bishop_magics, bishop_table, BISHOP_MULTIPLIERS, false);
 }
 
 namespace {

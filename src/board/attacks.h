@@ -37,6 +37,11 @@ extern Magic bishop_magics[64];
 
 void InitAttackTables();
 
+// Slider attacks by walking the rays, and the occupancy squares that matter
+// for a magic index (the rays without the board edges they run into).
+Bitboard SlidingAttacks(Square s, bool rook, Bitboard occ);
+Bitboard RelevantOccupancy(Square s, bool rook);
+
 inline Bitboard RookAttacks(Square s, Bitboard occ) { return rook_magics[s].table[rook_magics[s].index(occ)]; }
 inline Bitboard BishopAttacks(Square s, Bitboard occ) { return bishop_magics[s].table[bishop_magics[s].index(occ)]; }
 inline Bitboard QueenAttacks(Square s, Bitboard occ) { return RookAttacks(s, occ) | BishopAttacks(s, occ); }
