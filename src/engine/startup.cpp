@@ -3,6 +3,7 @@
 #include "board/attacks.h"
 #include "board/movegen.h"
 #include "board/position.h"
+#include "eval/kpk.h"
 
 namespace vx {
 
@@ -13,6 +14,7 @@ void InitStaticTables() {
   InitAttackTables();
   InitPositionKeys();
   InitMaterialKeys();   // then init_material (endgame registry and functions)
+  InitKpk();
   // init_pawns
   InitCaptureOrder();
   // init_eval without noise
