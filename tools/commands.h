@@ -11,5 +11,8 @@ using Args = std::vector<std::string>;
 
 int perft_command(const Args& args);
 int magics_command(const Args& args);
+int eval_command(const Args& args);
+int match_command(const Args& args);
+int openings_command(const Args& args);
 
 }  // namespace vx::dev

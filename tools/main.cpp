@@ -14,7 +14,12 @@ void usage() {
   std::puts(
       "usage: vorlaxen-dev COMMAND [ARGS...]\n"
       "  perft DEPTH FEN...|startpos [--portable]   count leaf nodes per root move\n"
-      "  magics                                     print slider magic multipliers");
+      "  magics                                     print slider magic multipliers\n"
+      "  eval FEN...|startpos                       evaluation trace, term by term\n"
+      "  match --engine CMD ... --engine CMD ... --games N --tc BASE+INC [...]\n"
+      "                                             play a match between two UCI engines\n"
+      "  openings --count N --plies P --engine CMD [...]\n"
+      "                                             make balanced opening positions");
 }
 
 }  // namespace
@@ -24,6 +29,9 @@ int main(int argc, char** argv) {
   const std::map<std::string, std::function<int(const Args&)>> commands = {
       {"perft", perft_command},
       {"magics", magics_command},
+      {"eval", eval_command},
+      {"match", match_command},
+      {"openings", openings_command},
   };
   if (argc < 2) {
     usage();

@@ -3,7 +3,12 @@
 #include "board/attacks.h"
 #include "board/movegen.h"
 #include "board/position.h"
+#include "egdb/syzygy.h"
+#include "eval/evaluate.h"
 #include "eval/kpk.h"
+#include "eval/material.h"
+#include "eval/pawns.h"
+#include "search/search.h"
 
 namespace vx {
 
@@ -13,13 +18,14 @@ void InitStaticTables() {
   done = true;
   InitAttackTables();
   InitPositionKeys();
-  InitMaterialKeys();   // then init_material (endgame registry and functions)
+  InitMaterialKeys();
+  init_material();
   InitKpk();
-  // init_pawns
+  init_pawns();
   InitCaptureOrder();
-  // init_eval without noise
-  // InitSearchTables
-  // InitSyzygy("<empty>")
+  init_eval(false);
+  InitSearchTables();
+  InitSyzygy("<empty>");
 }
 
 }  // namespace vx

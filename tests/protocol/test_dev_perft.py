@@ -16,7 +16,7 @@ class DevPerft(unittest.TestCase):
         self.assertEqual(r.returncode, 0, r.stderr)
         lines = r.stdout.splitlines()
         self.assertEqual(len(lines), 22)
-        self.assertEqual(lines[0].split(": ")[0], "a2a3")  # generation order
+        self.assertEqual(lines[0].split(": ")[0], "b1a3")  # generation order: pieces before pawns
         self.assertEqual(sum(int(l.split(": ")[1]) for l in lines[:20]), 8902)
         self.assertEqual(lines[20], "nodes 8902")
         self.assertRegex(lines[21], r"^time_ms \d+$")

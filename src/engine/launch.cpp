@@ -1,0 +1,105 @@
+#include "engine/launch.h"
+
+#include <algorithm>
+
+#include "engine/options.h"
+#include "engine/output.h"
+#include "engine/timeman.h"
+#include "eval/material.h"
+#include "eval/pawns.h"
+#include "search/periodic.h"
+#include "search/root.h"
+#include "search/tbhook.h"
+#include "search/thread.h"
+#include "search/tt.h"
+
+namespace vx {
+
+TablebaseHook tb_hook;
+
+namespace {
+
+// No endgame-database prober is registered in this build: the hook stays
+// switched off (probe_limit 0), so neither the root nor the tree probes.
+void ChooseProber() { tb_hook = TablebaseHook{}; }
+
+template <Color Us> bool ProbeAfter(Position& pos, Move m, int& wdl) {
+  pos.DoMove<Us>(m);
+  const bool ok = tb_hook.probe(pos, wdl);
+  pos.UndoMove<Us>(m);
+  return ok;
+}
+
+// Resolves the root through the tablebases when it has few enough men.
+Value ProbeRoot(SearchState& st, Position& pos) {
+  if (!tb_hook.probe_limit || !tb_hook.probe || __builtin_popcountll(pos.occupied()) > tb_hook.probe_limit)
+    return VALUE_INFINITE;
+  int w = 0;
+  if (!tb_hook.probe(pos, w)) return VALUE_INFINITE;
+  const int r = tb_hook.rule50 ? 1 : 0;
+  const Value score = w < -r ? -VALUE_MATE_BOUND : w > r ? VALUE_MATE_BOUND : 0;
+  tb_hook.hit(st);
+  tb_hook.probe_limit = 0;
+  if (pos.state->rule50 == 0) st.table->clear();
+  std::vector<Move> kept = FilterRootMovesByTablebase(pos, st.root_moves, w);
+  if (!kept.empty()) st.root_moves = std::move(kept);
+  return score;
+}
+
+}  // namespace
+
+std::vector<Move> FilterRootMovesByTablebase(Position& pos, const std::vector<Move>& moves, int w) {
+  std::vector<Move> kept;
+  for (const Move m : moves) {
+    int wdl = 0;
+    const bool ok = pos.side_to_move == WHITE ? ProbeAfter<WHITE>(pos, m, wdl) : ProbeAfter<BLACK>(pos, m, wdl);
+    if (ok && wdl == -w) kept.push_back(m);
+  }
+  return kept;
+}
+
+void PrepareSearch(SearchState& st) {
+  if (st.thread_index == 0) st.table->new_search();
+  std::fill(&(*st.gains)[0][0], &(*st.gains)[0][0] + 16 * 64, 0);
+  std::fill(&(*st.counter_moves)[0][0][0], &(*st.counter_moves)[0][0][0] + 16 * 64 * 2, 0u);
+  ClearMaterialTable(st.material_table);
+  ClearPawnTable(st.pawn_table);
+  st.material_probes = st.material_hits = st.pawn_probes = st.pawn_hits = 0;
+  if (!OptionTrue("Keep Hash Tables") || OptionTrue("UCI_LimitStrength")) {
+    if (st.thread_index == 0) st.table->clear();
+    st.reset_history();
+  }
+  st.search_start = uint32_t(Clock());
+}
+
+void LaunchSearch(ThreadPool& pool, Move prev, Move last, std::vector<Move>& searchMoves) {
+  SearchState& st = pool.main();
+  Position& pos = pool.main_position();
+  search_pool = &pool;
+  // Strength limitation is not built yet: a limited "go" runs the normal search.
+  const bool limited = OptionTrue("UCI_LimitStrength");
+  st.strength_bonus.clear();
+  st.elo = 0;
+  pool.zero_counters();
+  PrepareSearch(st);
+  st.root_moves = searchMoves;
+  st.excluded.clear();
+  st.excluded.reserve(MAX_MOVES);
+
+  ChooseProber();
+  Value root_tb_score = VALUE_INFINITE;
+  if (!limited && OptionInt("MultiPV") == 1) root_tb_score = ProbeRoot(st, pos);
+
+  st.stop = 0;
+  st.next_check = CHECK_INTERVAL;
+  if (st.limits.nodes > 0 && st.limits.nodes < st.next_check) st.next_check = st.limits.nodes;
+  AllocateTime(st.limits, pos.side_to_move, pos);
+
+  if (st.hasPopcnt)
+    RootSearch<true>(st, pos, prev, last, root_tb_score);
+  else
+    RootSearch<false>(st, pos, prev, last, root_tb_score);
+  searchMoves.clear();
+}
+
+}  // namespace vx

@@ -1,0 +1,134 @@
+#include "engine/timeman.h"
+
+#include <algorithm>
+
+#include "board/bitboard.h"
+#include "engine/options.h"
+#include "search/search.h"
+
+namespace vx {
+
+TimeManager time_manager;
+
+namespace {
+
+// Weighted material of both sides; 19968 in the starting position.
+int material_weight(const Position& pos) {
+  auto count = [&](PieceType t) { return popcount<false>(pos.of(WHITE, t) | pos.of(BLACK, t)); };
+  const int minors = count(KNIGHT) + count(BISHOP_L) + count(BISHOP_D);
+  return 192 * (count(PAWN) + 4 * minors) + 1280 * count(ROOK) + 2816 * count(QUEEN);
+}
+
+uint64_t total_nodes(const SearchState& state) {
+  if (!state.pool) return state.nodes;
+  uint64_t n = 0;
+  for (const Thread* t : *state.pool) n += t->state->nodes;
+  return n;
+}
+
+// Extra time for an unsettled root: the average time per event so far,
+// capped at the planned time.
+void add_extra(TimeManager& tm, int elapsed) {
+  tm.count += 1;
+  tm.extra += std::min(elapsed / tm.count, tm.target);
+}
+
+}  // namespace
+
+TimeSettings TimeSettingsFromOptions() {
+  return {OptionTrue("Ponder"), OptionInt("Time Buffer (sec)"), OptionInt("Time Usage Percent")};
+}
+
+void AllocateTime(const SearchLimits& limits, Color side, const Position& pos) {
+  AllocateTime(limits, side, pos, TimeSettingsFromOptions());
+}
+
+void AllocateTime(const SearchLimits& limits, Color side, const Position& pos, const TimeSettings& settings) {
+  TimeManager& tm = time_manager;
+  tm = TimeManager{};
+
+  const int t = std::max(limits.time[side] - settings.buffer_sec * 1000, 0);
+  const int i = std::max(limits.inc[side], 0);
+  if (limits.movestogo > 0) {
+    const int m = std::min(limits.movestogo, 50);
+    tm.target = int(t / (m + 2.0) + i * 0.9);
+    tm.maximum = std::min(int(t * 0.65), tm.target * 10);
+  } else {
+    tm.target = i > 0 ? int(i * 0.75 + t * 0.0285) : int(t * 0.022);
+    tm.maximum = int(t * 0.33);
+  }
+  if (settings.ponder) tm.target = int(tm.target * 1.25);
+
+  // Less material left means fewer moves to come: up to 1.2 times the time
+  // with bare kings, 0.8 times with the full set.
+  const double f = std::min(1.0, material_weight(pos) * 5.0080128205128203e-5);
+  const double k = 1.2 - 0.8;
+  tm.target = int((1.2 - f * k) * tm.target);
+
+  tm.target = std::max(int(tm.target * settings.usage_percent * 0.01), 10);
+  tm.maximum = std::max(tm.maximum, 20);
+}
+
+bool TimeUp(int phase, int elapsed) {
+  const TimeManager& tm = time_manager;
+  if (elapsed >= tm.maximum) return true;
+  if (!tm.active) return false;
+  const double mult = phase == PHASE_ITERATION ? 0.75 : phase == PHASE_ROOT_MOVE ? 1.0 : tm.unresolved ? 4.0 : 2.0;
+  return elapsed >= int(tm.factor * mult * (tm.target + tm.extra));
+}
+
+void TimeEvent(int event, int elapsed, int score) {
+  TimeManager& tm = time_manager;
+  if (tm.last_score != VALUE_INFINITE) {
+    // A score drop in pawns, 0 to -3, stretches the soft limit up to 31 times.
+    const double d = (score - tm.last_score) / 256.0;
+    const double x = std::max(std::min(d, 0.0), -3.0);
+    tm.factor = 1 - 10 * x;
+  }
+  switch (event) {
+    case EVENT_ITERATION_END:
+      tm.count = 0;
+      tm.extra /= 2;
+      tm.factor = 1.0;
+      tm.last_score = score;
+      tm.active = true;
+      tm.unresolved = false;
+      break;
+    case EVENT_NEW_BEST:
+      add_extra(tm, elapsed);
+      tm.active = true;
+      tm.unresolved = false;
+      break;
+    case EVENT_RESEARCH:
+      tm.unresolved = true;
+      add_extra(tm, elapsed);
+      break;
+    case EVENT_NOT_CONFIRMED:
+      tm.unresolved = false;
+      break;
+    case EVENT_FIRST_EXACT:
+    case EVENT_FIRST_FAIL_HIGH:
+      tm.active = true;
+      break;
+    case EVENT_FIRST_FAIL_LOW:
+      tm.active = false;
+      add_extra(tm, elapsed);
+      break;
+  }
+}
+
+void CheckLimits(SearchState& state, int phase) {
+  const SearchLimits& limits = state.limits;
+  if (limits.ponder) return;  // a pondering search never stops by itself
+  const int elapsed = ElapsedMs(state);
+  const bool reached = (limits.movetime > 0 && elapsed >= limits.movetime) ||
+                       (limits.nodes > 0 && total_nodes(state) >= uint64_t(limits.nodes)) ||
+                       (limits.has_clock() && TimeUp(phase, elapsed));
+  if (!reached || state.stop != 0) return;
+  state.stop = 2;
+  if (state.pool)
+    for (Thread* t : *state.pool)
+      if (t->state != &state) t->state->stop = 2;
+}
+
+}  // namespace vx

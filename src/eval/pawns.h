@@ -1,0 +1,51 @@
+// Pawn structure: everything the evaluation derives from the pawns, the two
+// king squares and the castling rights, cached per search thread by pawn key.
+#pragma once
+
+#include <cstdint>
+
+#include "board/position.h"
+
+namespace vx {
+
+struct SearchState;
+
+constexpr int PAWN_TABLE_SIZE = 16384;
+
+struct PawnEntry {
+  Key key;
+  ValuePair score;         // White's point of view
+  int32_t shelter[2];      // king shelter of each side's king
+  int8_t zoneAttacks[2];   // pawn attacks of each side on the enemy king zone
+  int8_t ringAttacks[2];   // ... on the squares next to the enemy king
+  int8_t kingDanger[2];    // starting danger index of each side's own king
+  int8_t attackWeight[2];  // weight of each side's pawn attack on the enemy king
+  int8_t fewFiles[2];      // drawishness of each side's pawn files
+  int8_t complexity;
+  uint8_t fileSpan;        // highest - lowest pawn file + 1, 0 without pawns
+  Bitboard passed[2];
+  Bitboard outposts[2];    // squares where a side's minor cannot be chased by pawns
+  Bitboard rookTraps;      // squares where a rook is shut in by its own king
+};
+
+// Builds the entry for the position's pawns and kings from scratch. When
+// side_scores is given it receives the part of the score each side's pawns
+// contribute (the two add up to e.score).
+void compute_pawn_entry(PawnEntry& e, const Position& pos, ValuePair* side_scores = nullptr);
+
+// Shelter of one side's king if it stood on the given square.
+int32_t king_shelter(const Position& pos, Color c, Square ksq);
+
+// Derived pawn tables; start-up.
+void init_pawns();
+
+PawnEntry* AllocPawnTable();
+void FreePawnTable(PawnEntry* table);
+// Empties every slot (the per-search reset).
+void ClearPawnTable(PawnEntry* table);
+
+namespace PawnTable {
+PawnEntry& probe(const Position& pos, SearchState& ss);
+}  // namespace PawnTable
+
+}  // namespace vx

@@ -1,0 +1,64 @@
+#include "search/periodic.h"
+
+#include "engine/options.h"
+#include "engine/output.h"
+#include "engine/timeman.h"
+#include "search/search.h"
+#include "search/tt.h"
+
+namespace vx {
+
+ThreadPool* search_pool = nullptr;
+
+namespace {
+
+// Clock times of the last speed line and the last current line; they persist
+// from one search to the next.
+int64_t last_speed_time = 0;
+int64_t last_currline_time = 0;
+
+template <typename Field> uint64_t SumOverThreads(const SearchState& st, Field field) {
+  if (!st.pool) return field(st);
+  uint64_t sum = 0;
+  for (const Thread* t : *st.pool) sum += field(*t->state);
+  return sum;
+}
+
+void PrintPeriodicLines(SearchState& st, SearchStack* ss) {
+  const int32_t elapsed = ElapsedMs(st);
+  if (elapsed < 2000) return;
+  const int64_t t = Clock();
+  if (t > last_speed_time + 1500) {
+    last_speed_time = t;
+    PrintSpeed(elapsed, TotalNodes(st), st.table->hashfull());
+  }
+  if (t <= last_currline_time + 750) return;
+  last_currline_time = t;
+  if (!OptionTrue("UCI_ShowCurrLine")) return;
+  Move line[PV_ARRAY_SIZE];
+  int count = 0;
+  for (const SearchStack* e = ss - ss->ply; e < ss; ++e) line[count++] = Move(e->current_move);
+  PrintCurrLine(line, count);
+}
+
+}  // namespace
+
+uint64_t TotalNodes(const SearchState& st) {
+  return SumOverThreads(st, [](const SearchState& s) { return s.nodes; });
+}
+uint64_t TotalTbHits(const SearchState& st) {
+  return SumOverThreads(st, [](const SearchState& s) { return s.tbhits; });
+}
+uint64_t TotalSbHits(const SearchState& st) {
+  return SumOverThreads(st, [](const SearchState& s) { return s.sbhits; });
+}
+
+void PeriodicCheck(SearchState& st, SearchStack* ss) {
+  if (st.thread_index != 0) return;
+  if (search_pool) search_pool->PollInput();
+  CheckLimits(st, PHASE_TREE);
+  PrintPeriodicLines(st, ss);
+  st.next_check = int64_t(st.nodes) + CHECK_INTERVAL;
+}
+
+}  // namespace vx

@@ -1,0 +1,140 @@
+#include <algorithm>
+
+#include "board/see.h"
+#include "eval/evaluate.h"
+#include "search/movepick.h"
+#include "search/search.h"
+#include "search/tt.h"
+
+namespace vx {
+
+namespace {
+
+// Margin of delta pruning by the captured piece's code (0 for an empty square).
+constexpr Value DELTA_VALUE[16] = {0, 215, 805, 826, 826, 1337, 2597, 0, 0, 215, 805, 826, 826, 1337, 2597, 0};
+
+}  // namespace
+
+template <bool HwPopcnt, Color Us, bool PvNode, bool InCheck>
+Value QSearch(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value beta, int qdepth) {
+  constexpr Color Them = ~Us;
+  constexpr bool NonPv = !PvNode;
+
+  ++st.nodes;
+  Move child_pv[PV_ARRAY_SIZE];
+  if constexpr (PvNode) {
+    (ss + 1)->pv = child_pv;
+    child_pv[0] = MOVE_NONE;
+    if (ss->pv) ss->pv[0] = MOVE_NONE;
+  }
+  if (pos.IsRule50Draw() || pos.IsRepetition()) return 0;
+
+  AttackInfo ai;
+  const int ply = ss->ply;
+  if (ply >= MAX_PLY) return InCheck ? 0 : evaluate<HwPopcnt>(st, pos, ai);
+
+  ss->current_move = MOVE_NONE;
+  const Key key = pos.state->key;
+  const TTEntry tte = st.table->probe(key);
+  const bool hit = tte.key32 != 0;
+  const Move tt_move = hit && (is_tactical(tte.move) || qdepth == 0) ? tte.move : MOVE_NONE;
+  // Quiescence drafts stay below every main-search draft.
+  const int draft = InCheck || qdepth == 0 ? 3 : 2;
+
+  if constexpr (NonPv) {
+    if (hit && tte.upper_depth() >= draft) {
+      const Value v = value_from_tt(tte.upper, ply);
+      if (v != VALUE_INFINITE && v <= alpha) return v;
+    }
+    if (hit && tte.lower_depth() >= draft) {
+      const Value v = value_from_tt(tte.lower, ply);
+      if (v != VALUE_INFINITE && v >= beta) return v;
+    }
+  }
+
+  const Value alpha_start = alpha;
+  Value best_value = -VALUE_MATE - 1;
+  if constexpr (InCheck) {
+    ss->static_eval = VALUE_INFINITE;
+    ComputeAttackInfo(pos, ai);
+  } else {
+    if (hit && tte.eval != VALUE_INFINITE) {
+      ss->static_eval = tte.eval;
+      ComputeAttackInfo(pos, ai);
+    } else {
+      ss->static_eval = evaluate<HwPopcnt>(st, pos, ai);
+    }
+    Value eval = ss->static_eval;
+    if (hit) {
+      const Value upper = value_from_tt(tte.upper, ply);
+      if (tte.upper_depth() && upper != VALUE_INFINITE && upper < eval) eval = upper;
+      const Value lower = value_from_tt(tte.lower, ply);
+      if (tte.lower_depth() && lower != VALUE_INFINITE && lower > eval) eval = lower;
+    }
+    if (eval >= beta) return eval;  // stand pat
+    best_value = eval;
+    if (PvNode && best_value > alpha) alpha = best_value;
+  }
+
+  MovePicker mp;
+  StartQPicker<Us>(mp, pos, ai, *st.history, qdepth, tt_move);
+  Move best_move = MOVE_NONE;
+
+  while (const Move m = NextMove<Us>(mp)) {
+    if (!IsLegal<Us>(pos, m, ai)) continue;
+    const bool g = GivesCheck<Us>(pos, m, ai);
+    if constexpr (!InCheck) {
+      if (!g && best_value > -VALUE_KNOWN_WIN && !IsAdvancedPawnMove<Us>(pos, m)) {
+        const Value f = best_value + 128 + DELTA_VALUE[pos.piece_on(to_sq(m))];
+        if (f <= alpha) {
+          best_value = std::max(best_value, f);
+          continue;
+        }
+      }
+    } else if (NonPv && !is_tactical(m) && best_value >= -(VALUE_MATE_BOUND - 1) && !SeeNotLosing<Us>(pos, m, ai)) {
+      continue;
+    }
+
+    ss->current_move = m;
+    pos.DoMove<Us>(m);
+    const Value v = g ? -QSearch<HwPopcnt, Them, PvNode, true>(st, pos, ss + 1, -beta, -alpha, qdepth - 1)
+                      : -QSearch<HwPopcnt, Them, PvNode, false>(st, pos, ss + 1, -beta, -alpha, qdepth - 1);
+    pos.UndoMove<Us>(m);
+
+    if (v > best_value) {
+      best_value = v;
+      if (v > alpha) {
+        best_move = m;
+        if (NonPv) break;
+        if (ss->pv) {
+          ss->pv[0] = m;
+          int i = 0;
+          for (; child_pv[i]; ++i) ss->pv[i + 1] = child_pv[i];
+          ss->pv[i + 1] = MOVE_NONE;
+        }
+        alpha = v;
+        if (v >= beta) break;
+      }
+    }
+  }
+
+  if (InCheck && best_value == -VALUE_MATE - 1) return ply - VALUE_MATE;
+
+  const int bound = best_value >= beta                      ? BOUND_LOWER
+                    : PvNode && best_value > alpha_start ? BOUND_EXACT
+                                                         : BOUND_UPPER;
+  st.table->store(key, best_move, uint32_t(draft), bound, value_to_tt(best_value, ply), ss->static_eval);
+  return best_value;
+}
+
+#define VX_QSEARCH(H, C)                                                                                       \
+  template Value QSearch<H, C, true, false>(SearchState&, Position&, SearchStack*, Value, Value, int);        \
+  template Value QSearch<H, C, true, true>(SearchState&, Position&, SearchStack*, Value, Value, int);         \
+  template Value QSearch<H, C, false, false>(SearchState&, Position&, SearchStack*, Value, Value, int);       \
+  template Value QSearch<H, C, false, true>(SearchState&, Position&, SearchStack*, Value, Value, int);
+VX_QSEARCH(true, WHITE)
+VX_QSEARCH(true, BLACK)
+VX_QSEARCH(false, WHITE)
+VX_QSEARCH(false, BLACK)
+
+}  // namespace vx

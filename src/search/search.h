@@ -1,0 +1,75 @@
+// The recursive alpha-beta search and the quiescence search, with the tables
+// their move loops read.
+#pragma once
+
+#include <cstdint>
+
+#include "board/position.h"
+#include "engine/output.h"
+#include "search/stack.h"
+#include "search/thread.h"
+
+namespace vx {
+
+constexpr int ONE_PLY = 4;
+
+// How a node was entered. PLAIN nodes skip the pruning before the move loop
+// (null-move children, internal iterative deepening, verification);
+// EXCLUSION nodes are singular tests that skip the parent's TT move.
+enum SearchVariant : int { NORMAL, PLAIN, EXCLUSION };
+
+enum : int { REDUCTION_NONPV = 0, REDUCTION_PV = 1 };
+// Read as [kind][min(depth, 256) * 64 + min(move count, 64)]: a move count of
+// 64 reads entry 0 of the next row, and the row past the last is zero.
+extern int8_t Reductions[2][257 * 64 + 1];
+// Rows: non-PV (improving + 2 * cut_node), PV (4 + improving); by depth units.
+extern int32_t MoveCountLimits[6][64];
+
+void InitSearchTables();
+
+inline int Reduction(int kind, int depth, int move_count) {
+  return Reductions[kind][(depth < 256 ? depth : 256) * 64 + (move_count < 64 ? move_count : 64)];
+}
+
+template <bool HwPopcnt, Color Us, bool PvNode, SearchVariant Variant, bool InCheck>
+Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value beta, int depth, bool cut_node);
+
+// qdepth counts plies below the horizon: 0, -1, -2, ...
+template <bool HwPopcnt, Color Us, bool PvNode, bool InCheck>
+Value QSearch(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value beta, int qdepth);
+
+// Child searches after a move (G: the move gave check): a zero-window search
+// around alpha and a full-window PV search; below one ply the quiescence search.
+template <bool H, Color Them, bool G>
+Value ZeroWindowChild(SearchState& st, Position& pos, SearchStack* ss, Value alpha, int depth, bool cut_node) {
+  if (depth < ONE_PLY) return -QSearch<H, Them, false, G>(st, pos, ss + 1, -alpha - 1, -alpha, 0);
+  return -Search<H, Them, false, NORMAL, G>(st, pos, ss + 1, -alpha - 1, -alpha, depth, cut_node);
+}
+
+template <bool H, Color Them, bool G>
+Value PvChild(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value beta, int depth) {
+  if (depth < ONE_PLY) return -QSearch<H, Them, true, G>(st, pos, ss + 1, -beta, -alpha, 0);
+  return -Search<H, Them, true, NORMAL, G>(st, pos, ss + 1, -beta, -alpha, depth, false);
+}
+
+// The side has a knight, bishop, rook or queen (read from the material key).
+template <Color Us> inline bool HasNonPawnMaterial(const Position& pos) {
+  return (pos.state->material_key >> (Us * 24 + 4)) & 0xFFFFF;
+}
+
+// Depth of the null-move search: a quarter of the depth plus three plies
+// less, and up to three plies less again the further eval is above beta.
+inline int NullMoveDepth(int depth, Value eval, Value beta) {
+  const int margin = (eval - beta) / 64;
+  return depth - (depth + 48) / 4 - (margin < 12 ? margin : 12);
+}
+
+// A pawn move onto the mover's sixth, seventh or eighth rank.
+template <Color Us> inline bool IsAdvancedPawnMove(const Position& pos, Move m) {
+  return type_of(pos.piece_on(from_sq(m))) == PAWN && (Us == WHITE ? to_sq(m) >= 40 : to_sq(m) <= 23);
+}
+
+// Milliseconds since the search started (the start is kept as 32 bits).
+inline int32_t ElapsedMs(const SearchState& st) { return int32_t(uint32_t(Clock()) - st.search_start); }
+
+}  // namespace vx

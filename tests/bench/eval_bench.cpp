@@ -1,0 +1,62 @@
+// Micro-benchmark of the static evaluation, both builds, with the material
+// and pawn tables hit and missed.
+#include <benchmark/benchmark.h>
+
+#include "board/bitboard.h"
+#include "eval/evaluate.h"
+#include "eval/material.h"
+#include "eval/pawns.h"
+#include "../unit/eval_test_util.h"
+
+namespace vx {
+namespace {
+
+struct BenchPositions {
+  std::vector<Position> positions;
+  BenchPositions() {
+    for (const auto& fen : test::random_game_fens(8, 60, 2024)) positions.push_back(test::from_fen(fen));
+  }
+};
+
+const BenchPositions& bench_positions() {
+  static BenchPositions p;
+  return p;
+}
+
+// Table hits: every position is evaluated once before timing starts.
+template <bool Hw>
+void BM_EvaluateHit(benchmark::State& state) {
+  const auto& set = bench_positions().positions;
+  test::EvalFixture f;
+  for (const auto& pos : set) f.eval<Hw>(pos);
+  size_t i = 0;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(f.eval<Hw>(set[i]));
+    if (++i == set.size()) i = 0;
+  }
+}
+
+// Table misses: the material and pawn slots are invalidated before each call.
+template <bool Hw>
+void BM_EvaluateMiss(benchmark::State& state) {
+  const auto& set = bench_positions().positions;
+  test::EvalFixture f;
+  size_t i = 0;
+  for (auto _ : state) {
+    const Position& pos = set[i];
+    f.ss.material_table[(pos.state->material_key >> 48) & (MATERIAL_TABLE_SIZE - 1)].key = 0;
+    f.ss.pawn_table[pos.state->pawn_key & (PAWN_TABLE_SIZE - 1)].key = 0;
+    benchmark::DoNotOptimize(f.eval<Hw>(pos));
+    if (++i == set.size()) i = 0;
+  }
+}
+
+BENCHMARK(BM_EvaluateHit<true>);
+BENCHMARK(BM_EvaluateHit<false>);
+BENCHMARK(BM_EvaluateMiss<true>);
+BENCHMARK(BM_EvaluateMiss<false>);
+
+}  // namespace
+}  // namespace vx
+
+BENCHMARK_MAIN();

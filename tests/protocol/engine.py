@@ -1,0 +1,115 @@
+"""Drives the engine through pipes, as a chess GUI would.
+
+Engine(path, *args) starts the process; send() writes lines, read_line() and
+read_until() read them with time limits, so that a hung engine fails a test
+instead of hanging it. run() executes the engine once in command-line mode.
+"""
+import queue
+import subprocess
+import threading
+import time
+
+DEFAULT_TIMEOUT = 10.0
+
+
+class EngineError(AssertionError):
+    pass
+
+
+class Engine:
+    def __init__(self, path, *args, timeout=DEFAULT_TIMEOUT):
+        self.timeout = timeout
+        self.proc = subprocess.Popen([path, *args], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                     stderr=subprocess.DEVNULL, bufsize=0)
+        self._lines = queue.Queue()
+        self._pump = threading.Thread(target=self._read_stdout, daemon=True)
+        self._pump.start()
+
+    def _read_stdout(self):
+        for raw in iter(self.proc.stdout.readline, b""):
+            self._lines.put(raw.rstrip(b"\r\n").decode("utf-8", errors="replace"))
+        self._lines.put(None)  # end of output
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *exc):
+        self.kill()
+
+    def send(self, line):
+        """Writes one line (str or bytes); a newline is added."""
+        data = line if isinstance(line, bytes) else line.encode()
+        self.proc.stdin.write(data + b"\n")
+        self.proc.stdin.flush()
+
+    def read_line(self, timeout=None):
+        """The next output line; EngineError on timeout or end of output."""
+        try:
+            line = self._lines.get(timeout=self.timeout if timeout is None else timeout)
+        except queue.Empty:
+            raise EngineError("no output line within %.1f s" % (self.timeout if timeout is None else timeout))
+        if line is None:
+            self._lines.put(None)
+            raise EngineError("the engine closed its output")
+        return line
+
+    def read_until(self, match, timeout=None):
+        """Lines up to and including the first one that equals match (a str)
+        or satisfies it (a callable)."""
+        test = match if callable(match) else (lambda l: l == match)
+        deadline = time.monotonic() + (self.timeout if timeout is None else timeout)
+        lines = []
+        while True:
+            left = deadline - time.monotonic()
+            if left <= 0:
+                raise EngineError("no line matching %r; got %r" % (match, lines[-10:]))
+            lines.append(self.read_line(left))
+            if test(lines[-1]):
+                return lines
+
+    def sync(self, timeout=None):
+        """Sends "isready"; returns the lines written before "readyok"."""
+        self.send("isready")
+        return self.read_until("readyok", timeout)[:-1]
+
+    def no_output(self, seconds):
+        """True when nothing is written for the given time."""
+        try:
+            line = self._lines.get(timeout=seconds)
+        except queue.Empty:
+            return True
+        self._lines.put(line)
+        return False
+
+    def close_input(self):
+        self.proc.stdin.close()
+
+    def wait(self, timeout=None):
+        """Exit status; EngineError when the process does not end in time."""
+        try:
+            return self.proc.wait(timeout=self.timeout if timeout is None else timeout)
+        except subprocess.TimeoutExpired:
+            raise EngineError("the engine did not exit")
+
+    def quit(self, timeout=None):
+        self.send("quit")
+        return self.wait(timeout)
+
+    def kill(self):
+        if self.proc.poll() is None:
+            self.proc.kill()
+        self.proc.wait()
+        # The pump ends at the end of the output; closing the pipe under it
+        # could let its next read land on a descriptor reused by a later engine.
+        self._pump.join()
+        for f in (self.proc.stdin, self.proc.stdout):
+            try:
+                f.close()
+            except (OSError, ValueError):
+                pass
+
+
+def run(path, *args, stdin=b"", timeout=DEFAULT_TIMEOUT):
+    """Runs the engine to its end; returns (exit status, output lines)."""
+    r = subprocess.run([path, *args], input=stdin, capture_output=True, timeout=timeout)
+    return r.returncode, r.stdout.decode("utf-8", errors="replace").splitlines()

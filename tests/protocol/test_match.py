@@ -1,0 +1,164 @@
+"""vorlaxen-dev match: a short real match between two engine processes, the
+summary and PGN it writes, forfeits by misbehaving engines, and usage errors."""
+import os
+import re
+import subprocess
+import sys
+import tempfile
+import textwrap
+import unittest
+from pathlib import Path
+
+ENGINE = sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen"
+DEV = sys.argv[2] if len(sys.argv) > 2 else "build/vorlaxen-dev"
+OPENINGS = Path(__file__).resolve().parents[2] / "tools" / "openings.epd"
+
+# A stand-in engine that answers the handshake and then misbehaves on "go"
+# in the way named by its argument.
+FAKE_ENGINE = textwrap.dedent("""\
+    import sys, time
+    mode = sys.argv[1]
+    for line in sys.stdin:
+        cmd = line.split()
+        if not cmd:
+            continue
+        if cmd[0] == "uci":
+            print("id name fake-" + mode)
+            print("uciok", flush=True)
+        elif cmd[0] == "isready":
+            print("readyok", flush=True)
+        elif cmd[0] == "quit":
+            break
+        elif cmd[0] == "go":
+            if mode == "illegal":
+                print("bestmove a1a1", flush=True)
+            elif mode == "crash":
+                sys.exit(3)
+            elif mode == "silent":
+                time.sleep(60)
+    """)
+
+
+def match(*args, timeout=300):
+    return subprocess.run([DEV, "match", *args], capture_output=True, text=True, timeout=timeout)
+
+
+def summary_counts(out):
+    m = re.search(r"^W/D/L: (\d+)/(\d+)/(\d+)$", out, re.M)
+    return tuple(map(int, m.groups())) if m else None
+
+
+def forfeits(out):
+    """{name: (illegal, crashes, time losses)} from the summary."""
+    found = re.findall(r"^Forfeits by (.+): illegal moves (\d+), crashes (\d+), time losses (\d+)$", out, re.M)
+    return {name: tuple(map(int, rest)) for name, *rest in found}
+
+
+def pgn_games(text):
+    games = []
+    for chunk in re.split(r"\n\n(?=\[Event )", text.strip()):
+        tags = dict(re.findall(r'^\[(\w+) "(.*)"\]$', chunk, re.M))
+        movetext = chunk.split("\n\n", 1)[1] if "\n\n" in chunk else ""
+        games.append((tags, movetext))
+    return games
+
+
+class Match(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.tmp = tempfile.TemporaryDirectory()
+        cls.fake = os.path.join(cls.tmp.name, "fake_engine.py")
+        Path(cls.fake).write_text(FAKE_ENGINE)
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.tmp.cleanup()
+
+    def test_short_match_between_two_engine_processes(self):
+        pgn = os.path.join(self.tmp.name, "games.pgn")
+        r = match("--engine", ENGINE, "--name", "first", "--engine", ENGINE, "--name", "second",
+                  "--games", "4", "--tc", "0.5+0.05", "--openings", str(OPENINGS), "--seed", "7",
+                  "--concurrency", "2", "--pgn", pgn, "--sprt", "0", "10")
+        self.assertEqual(r.returncode, 0, r.stderr)
+        out = r.stdout
+        self.assertEqual(len(re.findall(r"^Game \d+ \(", out, re.M)), 4, out)
+        wdl = summary_counts(out)
+        self.assertIsNotNone(wdl, out)
+        self.assertEqual(sum(wdl), 4)
+        self.assertRegex(out, r"Score: [\d.]+/4 = [01]\.\d{3}")
+        self.assertRegex(out, r"Elo difference: \S+, 95% interval \[\S+, \S+\]")
+        self.assertRegex(out, r"LOS: [\d.]+%")
+        self.assertRegex(out, r"SPRT \(elo0 0, elo1 10\): LLR -?[\d.]+, bounds \[-2\.944, 2\.944\], "
+                              r"(continue|H0 accepted|H1 accepted)")
+        counts = forfeits(out)
+        # The same program on both sides must neither crash nor send an illegal move.
+        self.assertEqual(set(counts), {"first", "second"})
+        for name, (illegal, crashes, _) in counts.items():
+            self.assertEqual((illegal, crashes), (0, 0), name)
+
+        games = pgn_games(Path(pgn).read_text())
+        self.assertEqual(len(games), 4)
+        for tags, movetext in games:
+            for tag in ("Event", "Site", "Date", "Round", "White", "Black", "Result", "SetUp", "FEN",
+                        "TimeControl", "Termination", "PlyCount"):
+                self.assertIn(tag, tags)
+            self.assertIn(tags["Result"], ("1-0", "0-1", "1/2-1/2"))
+            self.assertTrue(movetext.rstrip().endswith(tags["Result"]))
+            self.assertEqual(tags["TimeControl"], "0.5+0.05")
+            without_comments = re.sub(r"\{[^}]*\}", "", movetext)
+            sans = [t for t in without_comments.split() if not re.match(r"^\d+\.+$|^(1-0|0-1|1/2-1/2)$", t)]
+            self.assertEqual(len(sans), int(tags["PlyCount"]))
+            for san in sans:
+                self.assertRegex(san, r"^([NBRQK][a-h]?[1-8]?x?[a-h][1-8]|[a-h](x[a-h])?[1-8](=[NBRQ])?|O-O(-O)?)[+#]?$")
+        # Each opening is played twice with colours reversed.
+        by_round = {int(t["Round"]): t for t, _ in games}
+        for first in (1, 3):
+            a, b = by_round[first], by_round[first + 1]
+            self.assertEqual(a["FEN"], b["FEN"])
+            self.assertEqual((a["White"], a["Black"]), (b["Black"], b["White"]))
+
+    def test_forfeits_are_counted_by_kind(self):
+        for mode, kind, termination in (("illegal", 0, "rules infraction"), ("crash", 1, "abandoned"),
+                                        ("silent", 2, "time forfeit")):
+            with self.subTest(mode=mode):
+                pgn = os.path.join(self.tmp.name, mode + ".pgn")
+                r = match("--engine", ENGINE, "--engine", f"{sys.executable} {self.fake} {mode}", "--games", "2",
+                          "--tc", "0.3+0.05", "--pgn", pgn)
+                self.assertEqual(r.returncode, 0, r.stderr)
+                self.assertEqual(summary_counts(r.stdout), (2, 0, 0), r.stdout)
+                counts = forfeits(r.stdout)
+                expected = [0, 0, 0]
+                expected[kind] = 2
+                self.assertEqual(counts["fake-" + mode], tuple(expected), r.stdout)
+                games = pgn_games(Path(pgn).read_text())
+                self.assertEqual([t["Termination"] for t, _ in games], [termination] * 2)
+
+    def test_usage_errors_exit_with_status_2(self):
+        bad = os.path.join(self.tmp.name, "bad.epd")
+        Path(bad).write_text("# two good lines, then a broken one\n\n"
+                             "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1\n"
+                             "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq - 0 1\n"
+                             "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBN w KQkq - 0 1\n")
+        common = ["--games", "2", "--tc", "1+0.1"]
+        cases = [
+            (["--engine", "/nonexistent/engine", "--engine", ENGINE, *common], "not found"),
+            (["--engine", ENGINE, "--engine", ENGINE, "--openings", bad, *common], "bad.epd:5:"),
+            (["--engine", ENGINE, "--engine", "true", *common], "uciok"),
+            (["--engine", ENGINE, "--engine", "cat", *common], "uciok"),  # never answers
+            (["--engine", ENGINE, "--games", "2", "--tc", "1+0.1"], "two --engine"),
+            (["--engine", ENGINE, "--engine", ENGINE, "--games", "2", "--tc", "fast"], "--tc"),
+        ]
+        for args, message in cases:
+            with self.subTest(args=args):
+                r = match(*args, timeout=60)
+                self.assertEqual(r.returncode, 2, r.stdout + r.stderr)
+                self.assertIn(message, r.stderr)
+
+    def test_shipped_opening_set(self):
+        lines = [l for l in OPENINGS.read_text().splitlines() if l.strip() and not l.lstrip().startswith("#")]
+        self.assertGreaterEqual(len(lines), 100)
+        self.assertEqual(len(set(lines)), len(lines))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,245 @@
+"""The search as a GUI sees it: "go" and its limits, "info" lines, one legal
+"bestmove" per "go", and the commands that act while a search runs."""
+import os
+import re
+import sys
+import time
+import unittest
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from engine import Engine, run  # noqa: E402
+
+ENGINE = sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen"
+UCI_MOVE = re.compile(r"^[a-h][1-8][a-h][1-8][nbrq]?$")
+
+
+def is_bestmove(line):
+    return line.startswith("bestmove")
+
+
+class SearchTestCase(unittest.TestCase):
+    def setUp(self):
+        self.engine = Engine(ENGINE, timeout=20.0)
+        self.engine.read_line()  # greeting
+
+    def tearDown(self):
+        self.engine.kill()
+
+    def go(self, position, go, timeout=None):
+        """Runs one search to its "bestmove"; returns (info lines, best, ponder)."""
+        self.engine.send(position)
+        self.engine.send(go)
+        lines = self.engine.read_until(is_bestmove, timeout)
+        best = lines[-1].split()
+        self.assertIn(len(best), (2, 4), lines[-1])
+        if len(best) == 4:
+            self.assertEqual(best[2], "ponder")
+        self.assert_single_bestmove()
+        return lines[:-1], best[1], best[3] if len(best) == 4 else None
+
+    def assert_single_bestmove(self):
+        """No second "bestmove" follows before the engine answers "isready"."""
+        for line in self.engine.sync():
+            self.assertFalse(is_bestmove(line), line)
+
+
+def pv_lines(lines):
+    return [l for l in lines if " pv " in l]
+
+
+def score_of(line):
+    m = re.search(r" score (cp|mate) (-?\d+)", line)
+    return (m.group(1), int(m.group(2))) if m else None
+
+
+class FixedDepth(SearchTestCase):
+    def test_depth_search_reports_every_iteration_then_a_legal_move(self):
+        lines, best, ponder = self.go("position startpos", "go depth 5")
+        starts = [l for l in lines if re.fullmatch(r"info depth \d+ seldepth \d+", l)]
+        self.assertEqual(starts, ["info depth %d seldepth %d" % (d, d) for d in range(1, 6)])
+        summaries = [l for l in lines if l.startswith("info time ")]
+        self.assertEqual(len(summaries), 5)
+        self.assertRegex(best, UCI_MOVE)
+        self.assertIsNotNone(ponder)
+        last = pv_lines(lines)[-1]
+        self.assertRegex(last, r"^info depth 5 seldepth \d+ time \d+ score (cp|mate) -?\d+ .*nodes \d+ "
+                               r"(nps \d+ )?hashfull \d+ pv( [a-h][1-8][a-h][1-8][nbrq]?)+$")
+        self.assertEqual(last.split(" pv ")[1].split()[0], best)
+
+    def test_unknown_go_token_is_reported_and_the_search_still_runs(self):
+        self.engine.send("position startpos")
+        self.engine.send("go depth 5 foo")
+        lines = self.engine.read_until(is_bestmove)
+        self.assertEqual(lines[0], "illegal go token foo")
+        self.assertIn("info depth 5 seldepth 5", lines)
+
+    def test_searchmoves_restricts_the_root(self):
+        lines, best, _ = self.go("position startpos", "go depth 5 searchmoves e2e4 d2d4")
+        self.assertIn(best, ("e2e4", "d2d4"))
+        for line in pv_lines(lines):
+            self.assertIn(line.split(" pv ")[1].split()[0], ("e2e4", "d2d4"), line)
+
+    def test_identical_searches_give_identical_results(self):
+        first = self.go("position startpos moves e2e4", "go depth 7")
+        self.engine.send("ucinewgame")
+        second = self.go("position startpos moves e2e4", "go depth 7")
+        strip = lambda ls: [re.sub(r" (time|nps) \d+", "", l) for l in ls]
+        self.assertEqual(strip(first[0]), strip(second[0]))
+        self.assertEqual(first[1:], second[1:])
+
+
+class Scores(SearchTestCase):
+    def test_mate_in_one_is_reported_as_mate_1(self):
+        lines, best, ponder = self.go("position fen 6k1/5ppp/8/8/8/8/5PPP/R5K1 w - - 0 1", "go depth 4")
+        self.assertEqual(best, "a1a8")
+        self.assertIsNone(ponder)
+        self.assertEqual(score_of(pv_lines(lines)[-1]), ("mate", 1))
+
+    def test_being_mated_is_reported_negative(self):
+        # Both pawn moves allow Qg7 mate.
+        lines, _, _ = self.go("position fen 7k/p7/5KQ1/8/8/8/8/8 b - - 0 1", "go depth 4")
+        self.assertEqual(score_of(pv_lines(lines)[-1]), ("mate", -1))
+
+    def test_stalemated_root_answers_the_null_move(self):
+        lines, best, ponder = self.go("position fen 7k/5Q2/6K1/8/8/8/8/8 b - - 0 1", "go depth 5")
+        self.assertEqual(best, "0000")
+        self.assertIsNone(ponder)
+
+    def test_checkmated_root_answers_the_null_move(self):
+        _, best, _ = self.go("position fen 7k/6Q1/6K1/8/8/8/8/8 b - - 0 1", "go movetime 200")
+        self.assertEqual(best, "0000")
+
+    def test_single_legal_move_is_played(self):
+        _, best, _ = self.go("position fen 7k/8/8/8/8/8/6q1/7K w - - 0 1", "go depth 6")
+        self.assertEqual(best, "h1g2")
+
+
+class TimeLimits(SearchTestCase):
+    def test_movetime_ends_the_search_near_its_time(self):
+        start = time.monotonic()
+        self.go("position startpos", "go movetime 500")
+        self.assertLess(time.monotonic() - start, 3.0)
+
+    def test_tiny_clock_answers_quickly(self):
+        start = time.monotonic()
+        _, best, _ = self.go("position startpos", "go wtime 500")
+        self.assertLess(time.monotonic() - start, 1.5)
+        self.assertRegex(best, UCI_MOVE)
+
+    def test_clock_for_black(self):
+        _, best, _ = self.go("position startpos moves e2e4", "go wtime 1000 btime 1000 winc 10 binc 10")
+        self.assertRegex(best, UCI_MOVE)
+
+    def test_a_limit_hit_before_any_line_still_plays_a_legal_move(self):
+        _, best, _ = self.go("position startpos", "go nodes 1")
+        self.assertRegex(best, UCI_MOVE)
+
+    def test_node_limit(self):
+        lines, _, _ = self.go("position startpos", "go nodes 30000")
+        nodes = [int(re.search(r" nodes (\d+)", l).group(1)) for l in lines if " nodes " in l]
+        self.assertLess(max(nodes), 30000 + 30000)
+
+
+class CommandsDuringSearch(SearchTestCase):
+    def test_infinite_waits_for_stop_and_answers_isready_meanwhile(self):
+        self.engine.send("position startpos")
+        self.engine.send("go infinite")
+        time.sleep(0.3)
+        self.engine.send("isready")
+        lines = self.engine.read_until("readyok", 3.0)
+        self.assertFalse(any(is_bestmove(l) for l in lines))
+        self.engine.send("stop")
+        lines = self.engine.read_until(is_bestmove, 3.0)
+        self.assertRegex(lines[-1].split()[1], UCI_MOVE)
+        self.assert_single_bestmove()
+
+    def test_infinite_with_a_depth_still_waits_for_stop(self):
+        self.engine.send("position startpos")
+        self.engine.send("go infinite depth 2")
+        self.engine.read_until("info depth 2 seldepth 2", 3.0)
+        self.engine.read_until(lambda l: l.startswith("info time"), 3.0)
+        self.assertTrue(self.engine.no_output(0.5))
+        self.engine.send("stop")
+        self.engine.read_until(is_bestmove, 3.0)
+
+    def test_ponder_then_ponderhit(self):
+        self.engine.send("position startpos moves e2e4 e7e5")
+        self.engine.send("go ponder wtime 2000 btime 2000")
+        time.sleep(0.5)
+        self.engine.send("isready")
+        self.assertFalse(any(is_bestmove(l) for l in self.engine.read_until("readyok", 3.0)))
+        self.engine.send("ponderhit")
+        lines = self.engine.read_until(is_bestmove, 5.0)
+        self.assertRegex(lines[-1].split()[1], UCI_MOVE)
+        self.assert_single_bestmove()
+
+    def test_ponder_search_that_ends_waits_for_ponderhit(self):
+        self.engine.send("position startpos")
+        self.engine.send("go ponder depth 2")
+        self.engine.read_until("info depth 2 seldepth 2", 3.0)
+        self.engine.read_until(lambda l: l.startswith("info time"), 3.0)
+        self.assertTrue(self.engine.no_output(0.5))
+        self.engine.send("ponderhit")
+        self.engine.read_until(is_bestmove, 3.0)
+
+    def test_quit_during_a_search(self):
+        self.engine.send("position startpos")
+        self.engine.send("go infinite")
+        time.sleep(0.3)
+        self.engine.send("quit")
+        self.assertEqual(self.engine.wait(5.0), 0)
+
+    def test_stop_without_search_does_nothing(self):
+        self.engine.send("stop")
+        self.assertEqual(self.engine.sync(), [])
+
+
+class MultiPv(SearchTestCase):
+    def test_three_lines_numbered_from_one(self):
+        self.engine.send("setoption name MultiPV value 3")
+        lines, best, _ = self.go("position startpos", "go depth 4")
+        numbered = [l for l in pv_lines(lines) if l.startswith("info multipv ")]
+        last_iteration = [l for l in numbered if " depth 4 " in l]
+        self.assertEqual([int(l.split()[2]) for l in last_iteration][-3:], [1, 2, 3])
+        firsts = [l.split(" pv ")[1].split()[0] for l in last_iteration[-3:]]
+        self.assertEqual(len(set(firsts)), 3)
+        self.assertEqual(firsts[0], best)
+
+    def test_more_lines_than_moves(self):
+        self.engine.send("setoption name MultiPV value 3")
+        lines, best, _ = self.go("position fen 7k/8/8/8/8/8/6q1/7K w - - 0 1", "go depth 3")
+        self.assertEqual(best, "h1g2")
+        self.assertFalse(any(l.startswith("info multipv 2") for l in lines))
+
+
+class Chess960(SearchTestCase):
+    def test_castling_is_written_king_takes_rook(self):
+        self.engine.send("setoption name UCI_Chess960 value true")
+        # The root restricted to the king-side castling: its text is king-takes-rook.
+        lines, best, _ = self.go("position fen 1r2k1r1/pppppppp/8/8/8/8/PPPPPPPP/1R2K1R1 w GBgb - 0 1",
+                                 "go depth 3 searchmoves e1g1")
+        self.assertEqual(best, "e1g1")
+
+
+class Bench(unittest.TestCase):
+    def test_bench_searches_every_position_then_sums_up(self):
+        status, lines = run(ENGINE, "bench", "-10", timeout=60)
+        self.assertEqual(status, 0)
+        self.assertEqual(sum(1 for l in lines if is_bestmove(l)), 35)
+        self.assertEqual(lines[-4], "")
+        self.assertRegex(lines[-3], r"^Total time \(ms\) : \d+$")
+        self.assertRegex(lines[-2], r"^Nodes searched  : \d+$")
+        self.assertRegex(lines[-1], r"^Nodes/second    : \d+$")
+        # The depth offset applies to every position: the first (16 plies) searches 6.
+        first = lines[:next(i for i, l in enumerate(lines) if is_bestmove(l))]
+        starts = [l for l in first if re.fullmatch(r"info depth \d+ seldepth \d+", l)]
+        self.assertEqual(starts[-1], "info depth 6 seldepth 6")
+
+    def test_bench_is_deterministic(self):
+        first = run(ENGINE, "bench", "-11", timeout=60)[1][-2]
+        second = run(ENGINE, "bench", "-11", timeout=60)[1][-2]
+        self.assertEqual(first, second)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,276 @@
+"""The UCI front end: greeting, "uci" listing, command words, "position",
+"setoption", command-line mode, ending, and input that must not upset it."""
+import os
+import sys
+import unittest
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from engine import Engine, run  # noqa: E402
+
+ENGINE = sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen"
+
+
+def cpu_has_popcnt():
+    with open("/proc/cpuinfo") as f:
+        for line in f:
+            if line.startswith("flags"):
+                return "popcnt" in line.split()
+    return False
+
+
+GREETING = "info string Hello from Vorlaxen 13 64 bit ASM" + (" HWPopCnt" if cpu_has_popcnt() else "")
+
+UCI_LISTING = [
+    "id name Vorlaxen 13 x64",
+    "id author Quenstel",
+    "option name Hash type spin min 1 max 65536 default 64",
+    "option name Ponder type check default false",
+    "option name MultiPV type spin min 1 max 20 default 1",
+    "option name UCI_EngineAbout type string default Vorlaxen by Quenstel, https://vorlaxen.org",
+    "option name UCI_Chess960 type check default false",
+    "option name UCI_ShowCurrLine type check default false",
+    "option name UCI_LimitStrength type check default false",
+    "option name UCI_Elo type spin min 850 max 2800 default 1400",
+    "option name Keep Hash Tables type check default true",
+    "option name Clear Hash type button",
+    "option name Use Vorlaxenbases type check default true",
+    "option name UCI_VorlaxenbasesPath type string default vorlaxenbases/bases.ini",
+    "option name Use Syzygy Databases type check default true",
+    "option name Syzygy 50 Moves Rule type check default true",
+    "option name Syzygy Path type string default <empty>",
+    "option name Contempt type spin min -300 max 300 default 0",
+    "option name Time Buffer (sec) type spin min 0 max 60 default 1",
+    "option name Time Usage Percent type spin min 50 max 200 default 100",
+    "uciok",
+]
+
+
+class UciTestCase(unittest.TestCase):
+    def setUp(self):
+        self.engine = Engine(ENGINE)
+        self.assertEqual(self.engine.read_line(), GREETING)
+
+    def tearDown(self):
+        self.engine.kill()
+
+    def answer(self, command):
+        """The lines a command writes, up to the "readyok" of a following isready."""
+        self.engine.send(command)
+        return self.engine.sync()
+
+    def listing(self):
+        self.engine.send("uci")
+        return self.engine.read_until("uciok")
+
+
+class StartAndCommandWords(UciTestCase):
+    def test_one_greeting_line_then_waits_for_input(self):
+        self.assertTrue(self.engine.no_output(0.3))
+        self.assertEqual(self.engine.sync(), [])
+
+    def test_uci_lists_identity_and_the_options_in_order(self):
+        self.assertEqual(self.listing(), UCI_LISTING)
+
+    def test_command_words_are_exact_and_case_sensitive(self):
+        self.assertEqual(self.answer("UCI"), ["unknown command: UCI"])
+        self.assertEqual(self.answer(""), ["unknown command: "])
+        self.assertEqual(self.answer("   "), ["unknown command: "])
+        self.assertEqual(self.answer("hello world"), ["unknown command: hello"])
+        self.assertEqual(self.answer("IsReady"), ["unknown command: IsReady"])
+        self.assertEqual(self.answer("  stop   "), [])
+        self.assertEqual(self.answer("ponderhit"), [])
+        self.assertEqual(self.answer("ucinewgame"), [])
+
+    def test_words_after_a_plain_command_are_ignored(self):
+        self.engine.send("isready now please")
+        self.assertEqual(self.engine.read_line(), "readyok")
+        self.engine.send("uci extra words")
+        self.assertEqual(self.engine.read_until("uciok"), UCI_LISTING)
+
+
+class PositionCommand(UciTestCase):
+    def test_accepted_positions_write_nothing(self):
+        for command in ("position startpos", "position startpos moves e2e4 e7e5",
+                        "position startpos moves e2e5 e2e4",
+                        "position fen rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3 0 1 moves e7e5",
+                        "position fen 4k3/8/8/8/8/8/8/4R1K1 b - -",
+                        "position fen 1r2k1r1/8/8/8/8/8/8/1R2K1R1 w GBgb - 0 1 moves e1g1"):
+            self.assertEqual(self.answer(command), [], command)
+
+    def test_malformed_commands_are_rejected(self):
+        for command in ("position", "position startpos e2e4", "position start", "position fen",
+                        "position fen not/a/fen w - -", "position fen 8/8/8/8/8/8/8/8 x - -",
+                        "position moves e2e4"):
+            self.assertEqual(self.answer(command), ["illegal position command"], command)
+
+    def test_positions_the_search_cannot_stand_on_are_rejected(self):
+        for fen in ("8/8/8/8/8/8/8/8 w - -",
+                    "4k3/8/8/8/8/8/8/8 w - -",
+                    "4k3/8/8/8/8/8/8/K3K3 w - -",
+                    "4kk2/8/8/8/8/8/8/4K3 w - -",
+                    "4k2P/8/8/8/8/8/8/4K3 w - -",
+                    "4k3/8/8/8/8/8/8/p3K3 b - -",
+                    "4k3/8/8/8/8/NNNNNNNN/NNNNNNNN/4K3 w - -",
+                    "4k3/8/8/8/8/8/8/4R1K1 w - -",
+                    "8/8/8/8/8/3kK3/8/8 b - -"):
+            self.assertEqual(self.answer("position fen " + fen), ["illegal position command"], fen)
+
+    def test_a_600_ply_move_list(self):
+        moves = " ".join(["g1f3 g8f6 f3g1 f6g8"] * 150)
+        self.assertEqual(self.answer("position startpos moves " + moves), [])
+        self.assertEqual(self.answer("position startpos moves " + moves + " e2e4 e7e5 " + moves), [])
+
+
+class SetOptionCommand(UciTestCase):
+    def test_unknown_names_are_reported(self):
+        self.assertEqual(self.answer("setoption name Hashes value 1"), ["option not found: Hashes"])
+        self.assertEqual(self.answer("setoption name Clear  Hashes"), ["option not found: Clear Hashes"])
+        self.assertEqual(self.answer("setoption"), ["option not found: "])
+
+    def test_accepted_and_rejected_values_show_in_the_listing(self):
+        for command in ("setoption name hash value 128MB", "setoption name UCI_Elo value 3000",
+                        "setoption name Ponder value TRUE", "setoption name contempt value -300",
+                        "setoption name Time Usage Percent value 49",
+                        "setoption name MultiPV value abc", "setoption name MultiPV value 99999999999999999999",
+                        "setoption name UCI_EngineAbout value a   spaced    text",
+                        "setoption name Clear Hash", "setoption name Syzygy Path value /nonexistent",
+                        "setoption name UCI_VorlaxenbasesPath value /nonexistent/bases.ini"):
+            self.assertEqual(self.answer(command), [], command)
+        listing = self.listing()
+        self.assertIn("option name Hash type spin min 1 max 65536 default 128MB", listing)
+        self.assertIn("option name UCI_Elo type spin min 850 max 2800 default 1400", listing)
+        self.assertIn("option name Ponder type check default false", listing)
+        self.assertIn("option name Contempt type spin min -300 max 300 default -300", listing)
+        self.assertIn("option name Time Usage Percent type spin min 50 max 200 default 100", listing)
+        self.assertIn("option name MultiPV type spin min 1 max 20 default 1", listing)
+        self.assertIn("option name UCI_EngineAbout type string default a spaced text", listing)
+        self.assertEqual(len(listing), len(UCI_LISTING))
+
+
+class Ending(unittest.TestCase):
+    def start(self):
+        engine = Engine(ENGINE)
+        self.addCleanup(engine.kill)
+        self.assertEqual(engine.read_line(), GREETING)
+        return engine
+
+    def test_quit(self):
+        engine = self.start()
+        self.assertEqual(engine.quit(), 0)
+
+    def test_end_of_input_without_quit(self):
+        engine = self.start()
+        engine.send("position startpos moves e2e4")
+        engine.close_input()
+        self.assertEqual(engine.wait(), 0)
+
+    def test_quit_with_more_words_ends_without_more_input(self):
+        for line in ("quit now", " quit", "quit\t"):
+            engine = self.start()
+            engine.send(line)  # input stays open
+            self.assertEqual(engine.wait(5), 0, repr(line))
+
+    def test_lines_after_quit_are_not_executed(self):
+        code, lines = run(ENGINE, stdin=b"isready\nquit\nisready\n")
+        self.assertEqual((code, lines), (0, [GREETING, "readyok"]))
+
+
+class CommandLineMode(unittest.TestCase):
+    def test_arguments_run_as_one_command(self):
+        code, lines = run(ENGINE, "uci")
+        self.assertEqual((code, lines), (0, [GREETING] + UCI_LISTING))
+        code, lines = run(ENGINE, "isready")
+        self.assertEqual((code, lines), (0, [GREETING, "readyok"]))
+        code, lines = run(ENGINE, "setoption", "name", "Hashes", "value", "1")
+        self.assertEqual((code, lines), (0, [GREETING, "option not found: Hashes"]))
+        code, lines = run(ENGINE, "position", "startpos", "e2e4")
+        self.assertEqual((code, lines), (0, [GREETING, "illegal position command"]))
+
+    def test_standard_input_is_not_read(self):
+        code, lines = run(ENGINE, "isready", stdin=b"uci\n")
+        self.assertEqual((code, lines), (0, [GREETING, "readyok"]))
+
+
+START_MOVES = {"%s2%s%s" % (f, f, r) for f in "abcdefgh" for r in "34"} | {"b1a3", "b1c3", "g1f3", "g1h3"}
+
+
+def best_move(lines):
+    return lines[-1].split()[1]
+
+
+class DuringSearch(UciTestCase):
+    def test_isready_is_answered_and_other_commands_wait_for_the_search(self):
+        e = self.engine
+        e.send("position startpos")
+        e.send("go infinite")
+        e.send("isready")
+        self.assertNotIn("bestmove", " ".join(e.read_until("readyok")))
+        e.send("position fen 4k3/8/8/8/8/8/8/4K2R w K -")
+        e.send("setoption name Hashes value 3")
+        e.send("isready")
+        self.assertEqual([l for l in e.read_until("readyok")[:-1] if not l.startswith("info")], [])
+        e.send("stop")
+        lines = e.read_until(lambda l: l.startswith("bestmove"))
+        self.assertIn(best_move(lines), START_MOVES)
+        self.assertEqual(e.read_line(), "option not found: Hashes")
+        e.send("go depth 1")
+        self.assertIn(best_move(e.read_until(lambda l: l.startswith("bestmove")))[:2], ("e1", "h1"))
+
+    def test_ponderhit_ends_a_finished_pondering_search(self):
+        e = self.engine
+        e.send("position startpos moves e2e4")
+        e.send("go ponder depth 2")
+        self.assertEqual([l for l in e.sync() if not l.startswith("info")], [])
+        e.send("ponderhit")
+        lines = e.read_until(lambda l: l.startswith("bestmove"))
+        self.assertTrue(best_move(lines))
+
+    def test_quit_ends_a_running_search_and_the_program(self):
+        e = self.engine
+        e.send("go infinite")
+        e.send("quit")
+        e.read_until(lambda l: l.startswith("bestmove"))
+        self.assertEqual(e.wait(), 0)
+
+    def test_waiting_search_on_the_command_line_ends_as_if_quit_came(self):
+        for args in (("go", "depth", "2", "infinite"), ("go", "ponder", "depth", "2")):
+            code, lines = run(ENGINE, *args)
+            self.assertEqual(code, 0, args)
+            self.assertIn(best_move(lines), START_MOVES, args)
+
+
+class HostileInput(UciTestCase):
+    def test_binary_junk_and_a_100_kb_line(self):
+        junk = bytes(b for b in range(256) if b != 10)
+        self.engine.send(junk)
+        self.engine.send(b"\x00\xff\xfe position \x00 fen \x80")
+        self.engine.send(b"x" * 100_000)
+        self.engine.send(("position startpos moves " + "e2e4 " * 20_000).encode())
+        self.engine.send(("setoption name " + "Hash " * 20_000 + "value 1").encode())
+        lines = self.engine.sync()
+        self.assertEqual(lines[-1][:30], "option not found: Hash Hash Ha")
+        self.assertTrue(lines[-2].startswith("unknown command: xxxx"))
+        self.assertEqual(len(lines[-2]), len("unknown command: ") + 100_000)
+
+    def test_absurd_numbers(self):
+        for command in ("setoption name Hash value 99999999999999999999999",
+                        "setoption name Hash value -1", "setoption name Hash value 0",
+                        "setoption name Contempt value -2147483649",
+                        "position fen 4k3/8/8/8/8/8/8/4K3 w - - 99999999999999999999 -5",
+                        "position fen 4k3/8/8/8/8/8/8/4K3 w - z9 0 1",
+                        "setoption name Time Buffer (sec) value 18446744073709551616"):
+            self.engine.send(command)
+        self.assertEqual(self.engine.sync(30), [])
+        self.assertIn("option name Hash type spin min 1 max 65536 default 64", self.listing())
+
+    def test_absurd_search_limits_still_give_a_move(self):
+        for go in ("go depth -5", "go depth 0", "go depth 2147483647 movetime 100", "go nodes -1 depth 2",
+                   "go movetime -5 depth 2", "go wtime -100", "go nodes 1", "go movestogo 2147483647 wtime 300",
+                   "go wtime 2147483647 btime -2147483648 winc 2147483647 movestogo -3 depth 3"):
+            self.engine.send(go)
+            lines = self.engine.read_until(lambda l: l.startswith("bestmove"), 30)
+            self.assertIn(best_move(lines), START_MOVES, go)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,189 @@
+// The "position", "go" and "setoption" commands: what they accept, what they
+// reject and what they leave for the search.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "engine/commands.h"
+#include "engine_test_util.h"
+
+namespace vx {
+namespace {
+
+struct CommandsTest : ::testing::Test, test::EngineFixture {
+  GameMoves game;
+
+  bool Position(const std::string& args) {
+    std::istringstream in(args);
+    return SetupPosition(pool, in, game);
+  }
+  Move M(const std::string& text) const { return test::move_of(position, text); }
+};
+
+TEST_F(CommandsTest, StartposWithMovesRemembersTheLastTwo) {
+  ASSERT_TRUE(Position("startpos moves e2e4 e7e5"));
+  EXPECT_TRUE(game.position_valid);
+  EXPECT_EQ(move_text(game.previous), "e2e4");
+  EXPECT_EQ(move_text(game.last), "e7e5");
+  EXPECT_EQ(position.side_to_move, WHITE);
+  EXPECT_EQ(position.piece_on(SQ_E5), B_PAWN);
+
+  ASSERT_TRUE(Position("startpos"));
+  EXPECT_EQ(game.previous, MOVE_NONE);
+  EXPECT_EQ(game.last, MOVE_NONE);
+  EXPECT_EQ(position.piece_on(SQ_E2), W_PAWN);
+}
+
+TEST_F(CommandsTest, UnmatchedMoveTokensAreSkipped) {
+  ASSERT_TRUE(Position("startpos moves e2e5 e2e4 E7E5 e7e5x c7c5"));
+  EXPECT_EQ(move_text(game.previous), "e2e4");
+  EXPECT_EQ(move_text(game.last), "c7c5");
+  EXPECT_EQ(position.piece_on(SQ_E7), B_PAWN);
+}
+
+TEST_F(CommandsTest, FenWithMoves) {
+  ASSERT_TRUE(Position("fen 4k3/8/8/8/8/8/4P3/4K3 w - - 0 1 moves e2e4 e8d7"));
+  EXPECT_EQ(move_text(game.last), "e8d7");
+  EXPECT_EQ(position.piece_on(SQ_E4), W_PAWN);
+  ASSERT_TRUE(Position("fen 4k3/8/8/8/8/8/4P3/4K3 b - -"));  // four fields are enough
+  EXPECT_EQ(position.side_to_move, BLACK);
+}
+
+TEST_F(CommandsTest, MalformedCommandsAreRejected) {
+  ASSERT_TRUE(Position("startpos"));
+  for (const char* args : {"", "startpos e2e4", "foo", "fen", "fen not a fen at all", "fen moves e2e4"}) {
+    EXPECT_FALSE(Position(args)) << args;
+    EXPECT_FALSE(game.position_valid) << args;
+  }
+}
+
+TEST_F(CommandsTest, PositionsTheSearchCannotStandOnAreRejected) {
+  for (const char* fen : {
+           "4k3/8/8/8/8/8/8/8 w - -",             // no white king
+           "4k3/8/8/8/8/8/8/K3K3 w - -",          // two white kings
+           "4k2P/8/8/8/8/8/8/4K3 w - -",          // pawn on the eighth rank
+           "4k3/8/8/8/8/8/8/p3K3 b - -",          // pawn on the first rank
+           "4k3/8/8/8/8/NNNNNNNN/NNNNNNNN/4K3 w - -",  // seventeen white pieces
+           "4k3/8/8/8/8/8/8/4R1K1 w - -",         // black, not to move, in check
+           "8/8/8/8/8/3kK3/8/8 w - -",            // kings side by side
+       }) {
+    EXPECT_FALSE(Position(std::string("fen ") + fen)) << fen;
+    test::init();
+    ::vx::Position p;
+    if (p.SetFromFen(fen)) {
+      EXPECT_FALSE(IsSearchablePosition(p)) << fen;
+    }
+  }
+  EXPECT_TRUE(Position("fen 4k3/8/8/8/8/8/8/4R1K1 b - -"));  // the side to move may be in check
+}
+
+struct GoTest : CommandsTest {
+  std::vector<Move> moves;
+  std::string Go(const std::string& args) {
+    std::istringstream in(args);
+    testing::internal::CaptureStdout();
+    ParseGo(in, position, state->limits, moves);
+    return testing::internal::GetCapturedStdout();
+  }
+};
+
+TEST_F(GoTest, EveryLimitIsRead) {
+  ASSERT_TRUE(Position("startpos"));
+  EXPECT_EQ(Go("wtime 1000 btime 2000 winc 10 binc -20 movestogo 30 nodes 123456789012 movetime 7 mate 3 depth 9 "
+               "ponder infinite"),
+            "");
+  const SearchLimits& l = state->limits;
+  EXPECT_EQ(l.time[WHITE], 1000);
+  EXPECT_EQ(l.time[BLACK], 2000);
+  EXPECT_EQ(l.inc[WHITE], 10);
+  EXPECT_EQ(l.inc[BLACK], -20);
+  EXPECT_EQ(l.movestogo, 30);
+  EXPECT_EQ(l.nodes, 123456789012);
+  EXPECT_EQ(l.movetime, 7);
+  EXPECT_EQ(l.mate, 3);
+  EXPECT_EQ(l.depth, 9);
+  EXPECT_TRUE(l.ponder && l.infinite);
+  EXPECT_EQ(moves.size(), 20u);
+
+  Go("");  // every "go" starts from the defaults
+  EXPECT_EQ(l.time[WHITE], -1);
+  EXPECT_EQ(l.depth, 100);
+  EXPECT_FALSE(l.ponder || l.infinite);
+  EXPECT_EQ(l.nodes, 0);
+}
+
+TEST_F(GoTest, UnknownTokensAreReportedAndSkipped) {
+  ASSERT_TRUE(Position("startpos"));
+  EXPECT_EQ(Go("depth 5 foo"), "illegal go token foo\n");
+  EXPECT_EQ(state->limits.depth, 5);
+  EXPECT_EQ(Go("Depth 4 depth 6"), "illegal go token Depth\nillegal go token 4\n");
+  EXPECT_EQ(state->limits.depth, 6);
+}
+
+TEST_F(GoTest, ANumberThatCannotBeReadEndsTheLine) {
+  ASSERT_TRUE(Position("startpos"));
+  Go("depth abc wtime 5");
+  EXPECT_EQ(state->limits.depth, 100);
+  EXPECT_EQ(state->limits.time[WHITE], -1);
+  Go("depth 99999999999 wtime 5");
+  EXPECT_EQ(state->limits.depth, 100);
+  EXPECT_EQ(state->limits.time[WHITE], -1);
+  Go("nodes 99999999999999999999999999 depth 3");
+  EXPECT_EQ(state->limits.nodes, 0);
+  EXPECT_EQ(state->limits.depth, 100);
+}
+
+TEST_F(GoTest, DepthIsKeptWithinOneToOneHundredPlies) {
+  ASSERT_TRUE(Position("startpos"));
+  for (const auto& [args, depth] : std::vector<std::pair<std::string, int>>{
+           {"depth 0", 1}, {"depth -5", 1}, {"depth 200", 100}, {"depth 2147483647", 100},
+           {"depth -2147483648", 1}, {"depth 1", 1}, {"depth 100", 100}}) {
+    Go(args);
+    EXPECT_EQ(state->limits.depth, depth) << args;
+  }
+}
+
+TEST_F(GoTest, AClockBelowZeroIsAnEmptyClock) {
+  ASSERT_TRUE(Position("startpos"));
+  Go("wtime -100 btime -1");
+  EXPECT_EQ(state->limits.time[WHITE], 0);
+  EXPECT_EQ(state->limits.time[BLACK], 0);
+  EXPECT_TRUE(state->limits.has_clock());
+  Go("btime -2147483648");
+  EXPECT_EQ(state->limits.time[WHITE], -1);
+  EXPECT_EQ(state->limits.time[BLACK], 0);
+}
+
+TEST_F(GoTest, SearchmovesTakesTheRestOfTheLine) {
+  ASSERT_TRUE(Position("startpos"));
+  EXPECT_EQ(Go("searchmoves e2e4 d2d4 depth 5"), "");
+  EXPECT_EQ(moves, (std::vector<Move>{M("e2e4"), M("d2d4")}));
+  EXPECT_EQ(state->limits.depth, 100);
+  Go("searchmoves e7e5");
+  EXPECT_TRUE(moves.empty());
+}
+
+TEST(SetOptionCommand, NameAndValueJoinedWithSingleBlanks) {
+  auto parse = [](const std::string& args) {
+    std::istringstream in(args);
+    return ParseSetOption(in);
+  };
+  OptionCommand c = parse("name Time   Buffer (sec) value 5");
+  EXPECT_EQ(c.name, "Time Buffer (sec)");
+  EXPECT_EQ(c.value, "5");
+  c = parse("name Clear Hash");
+  EXPECT_EQ(c.name, "Clear Hash");
+  EXPECT_EQ(c.value, "");
+  c = parse("name UCI_EngineAbout value a   b  c ");
+  EXPECT_EQ(c.value, "a b c");
+  c = parse("whatever Hash value 128 value");  // the first word is not checked; later "value"s are text
+  EXPECT_EQ(c.name, "Hash");
+  EXPECT_EQ(c.value, "128 value");
+  c = parse("");
+  EXPECT_EQ(c.name, "");
+}
+
+}  // namespace
+}  // namespace vx

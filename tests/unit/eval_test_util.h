@@ -1,0 +1,132 @@
+// Helpers shared by the evaluation tests: a search state to evaluate with,
+// FEN text of a position and its mirrored twins, and random game positions.
+#pragma once
+
+#include <cctype>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "board/movegen.h"
+#include "eval/evaluate.h"
+#include "search/thread.h"
+#include "test_util.h"
+
+namespace vx::test {
+
+struct EvalFixture {
+  SearchState ss{0, nullptr, nullptr};
+
+  template <bool Hw = false>
+  Value eval(const Position& pos) {
+    AttackInfo ai{};
+    return evaluate<Hw>(ss, pos, ai);
+  }
+  Value eval_fen(const std::string& fen) { return eval(from_fen(fen)); }
+  Value trace(const Position& pos, EvalTrace& t) {
+    AttackInfo ai{};
+    return evaluate_trace(ss, pos, ai, t);
+  }
+};
+
+// Placement, side to move and castling rights (standard letters) of a position.
+inline std::string fen_of(const Position& pos) {
+  std::string fen;
+  for (int r = 7; r >= 0; --r) {
+    int empty = 0;
+    for (int f = 0; f < 8; ++f) {
+      const Piece p = pos.board[make_square(f, r)];
+      if (p == NO_PIECE) {
+        ++empty;
+        continue;
+      }
+      if (empty) fen += char('0' + empty);
+      empty = 0;
+      fen += PIECE_LETTERS[p];
+    }
+    if (empty) fen += char('0' + empty);
+    if (r) fen += '/';
+  }
+  fen += pos.side_to_move == WHITE ? " w " : " b ";
+  const uint32_t cr = pos.state->castling_rights;
+  std::string rights;
+  if (cr & WHITE_OO) rights += 'K';
+  if (cr & WHITE_OOO) rights += 'Q';
+  if (cr & BLACK_OO) rights += 'k';
+  if (cr & BLACK_OOO) rights += 'q';
+  return fen + (rights.empty() ? "-" : rights) + " - 0 1";
+}
+
+inline std::vector<std::string> split_fen(const std::string& fen) {
+  std::vector<std::string> parts;
+  size_t start = 0;
+  while (start < fen.size()) {
+    size_t end = fen.find(' ', start);
+    if (end == std::string::npos) end = fen.size();
+    parts.push_back(fen.substr(start, end - start));
+    start = end + 1;
+  }
+  return parts;
+}
+
+inline std::string swap_case(std::string s) {
+  for (char& c : s) c = std::isupper(c) ? char(std::tolower(c)) : char(std::toupper(c));
+  return s;
+}
+
+// Board turned top to bottom, colours, castling rights and side to move swapped.
+inline std::string colour_mirror(const std::string& fen) {
+  auto parts = split_fen(fen);
+  std::vector<std::string> ranks;
+  for (size_t i = 0, j; i <= parts[0].size(); i = j + 1) {
+    j = parts[0].find('/', i);
+    if (j == std::string::npos) j = parts[0].size();
+    ranks.push_back(parts[0].substr(i, j - i));
+  }
+  std::string placement;
+  for (int i = int(ranks.size()) - 1; i >= 0; --i) placement += swap_case(ranks[i]) + (i ? "/" : "");
+  std::string rights = parts[2] == "-" ? "-" : swap_case(parts[2]);
+  std::string order;  // keep the usual KQkq order
+  for (char c : std::string("KQkq"))
+    if (rights.find(c) != std::string::npos) order += c;
+  return placement + (parts[1] == "w" ? " b " : " w ") + (order.empty() ? "-" : order) + " - 0 1";
+}
+
+// Board turned left to right (only for positions without castling rights).
+inline std::string file_mirror(const std::string& fen) {
+  auto parts = split_fen(fen);
+  std::string placement, rank;
+  auto flush = [&] {
+    placement += std::string(rank.rbegin(), rank.rend());
+    rank.clear();
+  };
+  for (char c : parts[0]) {
+    if (c == '/') {
+      flush();
+      placement += '/';
+    } else {
+      rank += c;
+    }
+  }
+  flush();
+  return placement + " " + parts[1] + " - - 0 1";
+}
+
+// FEN of every position along random games from the start position.
+inline std::vector<std::string> random_game_fens(int games, int max_plies, unsigned seed) {
+  std::mt19937 rng(seed);
+  std::vector<std::string> out;
+  for (int g = 0; g < games; ++g) {
+    Position pos = startpos();
+    for (int ply = 0; ply < max_plies; ++ply) {
+      MoveList list;
+      GenerateLegal(pos, list);
+      if (list.size == 0 || pos.state->rule50 >= 100) break;
+      pos.ApplyGameMove(list.moves[rng() % list.size]);
+      out.push_back(fen_of(pos));
+    }
+  }
+  return out;
+}
+
+}  // namespace vx::test

@@ -1,0 +1,116 @@
+// Search output: score text, mate distances, the principal-variation line's
+// field order with its optional fields, and the lines written only past a
+// time threshold.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "engine/output.h"
+
+namespace vx {
+namespace {
+
+std::string Captured(void (*print)()) {
+  testing::internal::CaptureStdout();
+  print();
+  return testing::internal::GetCapturedStdout();
+}
+
+const Move E2E4 = make_move(SQ_E2, SQ_E4), E7E5 = make_move(SQ_E7, SQ_E5), G1F3 = make_move(SQ_G1, SQ_F3);
+
+TEST(ScoreText, CentipawnsAndDecisiveScores) {
+  EXPECT_EQ(ScoreText(512, VALUE_INFINITE), "cp 200");
+  EXPECT_EQ(ScoreText(-1, VALUE_INFINITE), "cp 0");
+  EXPECT_EQ(ScoreText(-255, VALUE_INFINITE), "cp -99");
+  EXPECT_EQ(ScoreText(31500, VALUE_INFINITE), "cp 27500");
+  EXPECT_EQ(ScoreText(-31500, VALUE_INFINITE), "cp -27500");
+  EXPECT_EQ(ScoreText(31999, VALUE_INFINITE), "cp 27999");
+  EXPECT_EQ(ScoreText(30999, VALUE_INFINITE), "cp 12108");
+}
+
+TEST(ScoreText, MatesWinOverTablebaseRootScore) {
+  EXPECT_EQ(ScoreText(32499, VALUE_INFINITE), "mate 1");
+  EXPECT_EQ(ScoreText(-32498, VALUE_INFINITE), "mate -1");
+  EXPECT_EQ(ScoreText(32000, VALUE_INFINITE), "mate 250");
+  EXPECT_EQ(ScoreText(32497, 32000), "mate 2");
+  EXPECT_EQ(ScoreText(100, 32000), "cp 28000");
+  EXPECT_EQ(ScoreText(100, -32000), "cp -28000");
+  EXPECT_EQ(ScoreText(-700, 0), "cp 0");
+}
+
+TEST(MateDistance, PliesToMoves) {
+  EXPECT_EQ(MateDistance(32499), 1);
+  EXPECT_EQ(MateDistance(32498), 1);
+  EXPECT_EQ(MateDistance(32497), 2);
+  EXPECT_EQ(MateDistance(-32500), 0);
+  EXPECT_EQ(MateDistance(-32498), -1);
+  EXPECT_EQ(MateDistance(-32496), -2);
+}
+
+TEST(PvLine, AllFieldsInOrder) {
+  PvRecord r;
+  r.multipv = 2;
+  r.depth = 49;
+  r.seldepth = 19;
+  r.time = 1532;
+  r.score = 80;
+  r.bound = PV_LOWER_BOUND;
+  r.nodes = 2054321;
+  r.tbhits = 7;
+  r.sbhits = 3;
+  r.hashfull = 87;
+  r.pv[0] = E2E4;
+  r.pv[1] = E7E5;
+  r.pv[2] = G1F3;
+  r.pv_length = 3;
+  EXPECT_EQ(PvLineText(r),
+            "info multipv 2 depth 12 seldepth 19 time 1532 score cp 31 lowerbound nodes 2054321 nps 1340940 "
+            "tbhits 7 sbhits 3 hashfull 87 pv e2e4 e7e5 g1f3");
+  r.bound = PV_UPPER_BOUND;
+  EXPECT_NE(PvLineText(r).find("score cp 31 upperbound nodes"), std::string::npos);
+}
+
+TEST(PvLine, OptionalFieldsLeftOut) {
+  PvRecord r;
+  r.depth = 8;
+  r.seldepth = 1;  // below the depth: the depth is reported
+  r.score = -32498;
+  r.nodes = 40;
+  r.pv[0] = E2E4;
+  r.pv_length = 1;
+  EXPECT_EQ(PvLineText(r), "info depth 2 seldepth 2 time 0 score mate -1 nodes 40 hashfull 0 pv e2e4");
+  r.pv_length = 0;
+  EXPECT_EQ(PvLineText(r), "info depth 2 seldepth 2 time 0 score mate -1 nodes 40 hashfull 0 pv");
+}
+
+TEST(SearchLines, IterationStartAndSummary) {
+  EXPECT_EQ(Captured([] { PrintIterationStart(49); }), "info depth 12 seldepth 12\n");
+  EXPECT_EQ(Captured([] { PrintIterationSummary(0, 500, 0, 0); }), "info time 0 nodes 500\n");
+  EXPECT_EQ(Captured([] { PrintIterationSummary(2000, 3000000, 4, 0); }),
+            "info time 2000 nodes 3000000 nps 1500000 tbhits 4\n");
+  EXPECT_EQ(Captured([] { PrintIterationSummary(10, 1, 0, 9); }), "info time 10 nodes 1 nps 100 sbhits 9\n");
+}
+
+TEST(SearchLines, CurrMoveOnlyFrom1500Ms) {
+  EXPECT_EQ(Captured([] { PrintCurrMove(E2E4, 3, 1499); }), "");
+  EXPECT_EQ(Captured([] { PrintCurrMove(E2E4, 3, 1500); }), "info currmove e2e4 currmovenumber 3\n");
+}
+
+TEST(SearchLines, SpeedHashfullFirstAndNotAtTimeZero) {
+  EXPECT_EQ(Captured([] { PrintSpeed(0, 1000, 5); }), "");
+  EXPECT_EQ(Captured([] { PrintSpeed(2500, 5000000, 321); }), "info hashfull 321 nps 2000000\n");
+}
+
+TEST(SearchLines, CurrLineAndBestMove) {
+  EXPECT_EQ(Captured([] {
+              const Move line[] = {E2E4, E7E5, G1F3};
+              PrintCurrLine(line, 3);
+            }),
+            "info currline e2e4 e7e5 g1f3\n");
+  EXPECT_EQ(Captured([] { PrintCurrLine(nullptr, 0); }), "info currline\n");
+  EXPECT_EQ(Captured([] { PrintBestMove(E2E4, E7E5); }), "bestmove e2e4 ponder e7e5\n");
+  EXPECT_EQ(Captured([] { PrintBestMove(E2E4, MOVE_NONE); }), "bestmove e2e4\n");
+}
+
+}  // namespace
+}  // namespace vx

@@ -1,0 +1,86 @@
+// Match statistics against values worked out by hand from the formulas and
+// evaluated independently in double precision.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "tools/stats.h"
+
+namespace vx::dev {
+namespace {
+
+constexpr double EPS = 1e-9;
+
+// 10 wins, 5 draws, 5 losses: score 12.5/20 = 0.625, Elo -400 log10(0.6),
+// per-game variance (10 * 0.375^2 + 5 * 0.125^2 + 5 * 0.625^2) / 20 = 3.4375 / 20.
+TEST(Stats, ScoreEloAndIntervalOfASmallMatch) {
+  const MatchCounts c{10, 5, 5};
+  EXPECT_EQ(c.games(), 20);
+  EXPECT_DOUBLE_EQ(Score(c), 0.625);
+  EXPECT_NEAR(ScoreVariance(c), 0.171875, EPS);
+  const EloEstimate e = EstimateElo(c);
+  EXPECT_NEAR(e.elo, 88.73949984654251, EPS);
+  EXPECT_NEAR(e.lower, -39.564837551208285, 1e-6);
+  EXPECT_NEAR(e.upper, 248.18486697658867, 1e-6);
+  EXPECT_NEAR(LikelihoodOfSuperiority(c), 0.9016471987705266, EPS);
+}
+
+TEST(Stats, LargerMatchesOnBothSidesOfEven) {
+  const MatchCounts ahead{120, 260, 100};
+  EXPECT_NEAR(EstimateElo(ahead).elo, 14.484869061777905, EPS);
+  EXPECT_NEAR(EstimateElo(ahead).lower, -6.526659618963195, 1e-6);
+  EXPECT_NEAR(EstimateElo(ahead).upper, 35.602956405730055, 1e-6);
+  EXPECT_NEAR(LikelihoodOfSuperiority(ahead), 0.9112350737939232, EPS);
+
+  const MatchCounts behind{300, 400, 330};
+  EXPECT_NEAR(EstimateElo(behind).elo, -10.122346105908104, EPS);
+  EXPECT_NEAR(EstimateElo(behind).lower, -26.75489845877094, 1e-6);
+  EXPECT_NEAR(EstimateElo(behind).upper, 6.463917225446888, 1e-6);
+  EXPECT_NEAR(LikelihoodOfSuperiority(behind), 0.11599886181436703, EPS);
+}
+
+TEST(Stats, EloAndScoreConvertBothWays) {
+  EXPECT_DOUBLE_EQ(ScoreFromElo(0), 0.5);
+  EXPECT_NEAR(ScoreFromElo(5), 0.5071950817090514, EPS);
+  EXPECT_NEAR(EloFromScore(ScoreFromElo(-123.0)), -123.0, 1e-9);
+  EXPECT_TRUE(std::isinf(EloFromScore(1.0)) && EloFromScore(1.0) > 0);
+  EXPECT_TRUE(std::isinf(EloFromScore(0.0)) && EloFromScore(0.0) < 0);
+}
+
+TEST(Stats, DegenerateCounts) {
+  const MatchCounts none{};
+  EXPECT_DOUBLE_EQ(Score(none), 0.5);
+  EXPECT_DOUBLE_EQ(LikelihoodOfSuperiority(none), 0.5);
+  const MatchCounts all_draws{0, 7, 0};
+  EXPECT_DOUBLE_EQ(EstimateElo(all_draws).elo, 0.0);
+  EXPECT_DOUBLE_EQ(LikelihoodOfSuperiority(all_draws), 0.5);
+  EXPECT_DOUBLE_EQ(SprtLlr({0, 5}, none), 0.0);
+  // One kind of result only: half a game of each kind is added (counts 0.5/7.5/0.5 and 10.5/0.5/0.5).
+  EXPECT_NEAR(SprtLlr({0, 5}, all_draws), -0.007480649515589237, 1e-12);
+  EXPECT_NEAR(SprtLlr({0, 5}, {10, 0, 0}), 0.712208383166328, 1e-12);
+  EXPECT_EQ(SprtDecide({0, 5}, {22, 0, 0}), SprtDecision::ACCEPT_H1);
+  EXPECT_EQ(SprtDecide({0, 5}, {21, 0, 0}), SprtDecision::CONTINUE);
+}
+
+TEST(Stats, SprtBoundsForFivePercentErrors) {
+  const Sprt s{0, 5};
+  EXPECT_NEAR(SprtLowerBound(s), -2.9444389791664403, EPS);
+  EXPECT_NEAR(SprtUpperBound(s), 2.9444389791664403, EPS);
+}
+
+// LLR = N (s1 - s0) (2 x - s0 - s1) / (2 var) with s0 = 0.5, s1 = 0.50719508...
+TEST(Stats, SprtLlrAndDecisions) {
+  const Sprt s{0, 5};
+  EXPECT_NEAR(SprtLlr(s, {10, 5, 5}), 0.10164370772147874, 1e-9);
+  EXPECT_EQ(SprtDecide(s, {10, 5, 5}), SprtDecision::CONTINUE);
+  EXPECT_NEAR(SprtLlr(s, {1000, 2000, 900}), 2.127789745193596, 1e-9);
+  EXPECT_EQ(SprtDecide(s, {1000, 2000, 900}), SprtDecision::CONTINUE);
+  EXPECT_NEAR(SprtLlr(s, {1200, 2000, 900}), 7.6800028099564335, 1e-9);
+  EXPECT_EQ(SprtDecide(s, {1200, 2000, 900}), SprtDecision::ACCEPT_H1);
+  EXPECT_NEAR(SprtLlr(s, {900, 2000, 1100}), -6.6174598794370905, 1e-9);
+  EXPECT_EQ(SprtDecide(s, {900, 2000, 1100}), SprtDecision::ACCEPT_H0);
+  EXPECT_NEAR(SprtLlr({-5, 5}, {300, 400, 330}), -1.4135670713208501, 1e-9);
+}
+
+}  // namespace
+}  // namespace vx::dev

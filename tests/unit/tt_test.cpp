@@ -1,0 +1,264 @@
+// Transposition table: bound merging, replacement, generations, sizing.
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "search/tt.h"
+
+namespace vx {
+namespace {
+
+// Keys that share cluster `index` and differ in their check half.
+Key key_in(uint64_t index, uint32_t check) { return (Key(check) << 32) | index; }
+
+struct TTFixture : ::testing::Test {
+  TranspositionTable tt;
+  void SetUp() override {
+    tt.resize(1);
+    tt.clear();
+    tt.new_search();
+  }
+  const TTEntry& slot(uint64_t index, int i) const { return tt.clusters()[index].entry[i]; }
+};
+
+bool all_zero(const TTEntry& e) {
+  TTEntry zero{};
+  return std::memcmp(&e, &zero, sizeof e) == 0;
+}
+
+TEST(TranspositionTableSize, RoundsDownToPowerOfTwoClusters) {
+  TranspositionTable tt;
+  tt.resize(1);
+  EXPECT_EQ(tt.cluster_count(), uint64_t(1) << 14);
+  tt.resize(100);
+  EXPECT_EQ(tt.cluster_count(), uint64_t(1) << 20);
+  tt.resize(127);
+  EXPECT_EQ(tt.cluster_count(), uint64_t(1) << 20);
+  tt.resize(128);
+  EXPECT_EQ(tt.cluster_count(), uint64_t(1) << 21);
+  EXPECT_EQ(reinterpret_cast<uintptr_t>(tt.clusters()) % 64, 0u);
+}
+
+TEST(TranspositionTableSize, SameClusterCountKeepsMemoryAndContents) {
+  TranspositionTable tt;
+  tt.resize(64);
+  tt.clear();
+  const TTCluster* before = tt.clusters();
+  const Key key = 0x123456789ABCDEF0ULL;
+  tt.store(key, 77, 8, BOUND_EXACT, 10, 3);
+  tt.resize(100);
+  EXPECT_EQ(tt.cluster_count(), uint64_t(1) << 20);
+  EXPECT_EQ(tt.clusters(), before);
+  EXPECT_EQ(tt.probe(key).move, 77);
+}
+
+// Runs in a death-test child: resizes with standard output routed to the
+// stream the death test checks, optionally under an address-space limit.
+void resize_in_child(uint32_t megabytes, uint64_t address_limit = 0) {
+  dup2(2, 1);
+  if (address_limit) {
+    rlimit rl;
+    rl.rlim_cur = rl.rlim_max = address_limit;
+    setrlimit(RLIMIT_AS, &rl);
+  }
+  TranspositionTable tt;
+  tt.resize(megabytes);
+}
+
+TEST(TranspositionTableSize, UnallocatableSizeEndsTheProcess) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  // More than the machine has: refused before anything is touched, so the
+  // process ends with a message instead of meeting the out-of-memory killer.
+  const uint64_t phys_mb = uint64_t(sysconf(_SC_PHYS_PAGES)) * uint64_t(sysconf(_SC_PAGESIZE)) >> 20;
+  const uint32_t huge = uint32_t(std::max<uint64_t>(65536, 2 * phys_mb));
+  EXPECT_EXIT(resize_in_child(huge), ::testing::ExitedWithCode(1),
+              "Error allocating hash memory \\(" + std::to_string(huge) + " mb\n");
+}
+
+TEST(TranspositionTableSize, AddressSpaceLimitIsRespected) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "the address sanitizer cannot run under an address-space limit";
+#endif
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(resize_in_child(1024, uint64_t(512) << 20), ::testing::ExitedWithCode(1),
+              "Error allocating hash memory \\(1024 mb\n");
+}
+
+TEST_F(TTFixture, EmptyTableProbesAsAllZero) {
+  for (Key key : {Key(0x100000001ULL), Key(0xFFFFFFFF00000000ULL), Key(0xDEADBEEF12345678ULL)}) EXPECT_TRUE(all_zero(tt.probe(key)));
+}
+
+TEST_F(TTFixture, ExactStoreFillsBothBounds) {
+  const Key key = key_in(5, 0xABCD);
+  tt.store(key, 1234, 12, BOUND_EXACT, -70, 25);
+  TTEntry e = tt.probe(key);
+  EXPECT_EQ(e.key32, 0xABCDu);
+  EXPECT_EQ(e.move, 1234);
+  EXPECT_EQ(e.eval, 25);
+  EXPECT_EQ(e.lower, -70);
+  EXPECT_EQ(e.upper, -70);
+  EXPECT_EQ(e.lower_depth(), 12);
+  EXPECT_EQ(e.upper_depth(), 12);
+  EXPECT_TRUE(e.exact());
+  EXPECT_EQ(e.generation(), tt.generation());
+  EXPECT_EQ(e.upper_depth_flags & 0x7C00, 0);
+  EXPECT_EQ(tt.probe(key_in(5, 0xABCE)).key32, 0u);  // other check half: miss
+}
+
+TEST_F(TTFixture, UpperBoundBelowLowerDropsLowerAndKeepsMove) {
+  const Key key = key_in(9, 7);
+  tt.store(key, 111, 8, BOUND_LOWER, 80, 0);
+  tt.store(key, 222, 12, BOUND_UPPER, 50, 0);
+  TTEntry e = tt.probe(key);
+  EXPECT_EQ(e.move, 111);
+  EXPECT_EQ(e.upper, 50);
+  EXPECT_EQ(e.upper_depth(), 12);
+  EXPECT_EQ(e.lower, VALUE_INFINITE);
+  EXPECT_EQ(e.lower_depth(), 0);
+  EXPECT_FALSE(e.exact());
+}
+
+TEST_F(TTFixture, UpperBoundAboveLowerKeepsLowerAndRefreshesGeneration) {
+  const Key key = key_in(9, 7);
+  tt.store(key, 111, 8, BOUND_LOWER, 80, 0);
+  tt.new_search();
+  tt.store(key, 222, 12, BOUND_UPPER, 90, 0);
+  const TTEntry& e = slot(9, 0);
+  EXPECT_EQ(e.lower, 80);
+  EXPECT_EQ(e.lower_depth(), 8);
+  EXPECT_EQ(e.generation(), tt.generation());
+  EXPECT_EQ(e.upper, 90);
+  EXPECT_EQ(e.move, 111);
+}
+
+TEST_F(TTFixture, LowerBoundMergesWithUpperBound) {
+  const Key key = key_in(3, 42);
+  tt.store(key, 10, 6, BOUND_UPPER, 100, 0);
+  tt.store(key, 20, 8, BOUND_LOWER, 40, 0);
+  TTEntry e = tt.probe(key);
+  EXPECT_EQ(e.lower, 40);
+  EXPECT_EQ(e.lower_depth(), 8);
+  EXPECT_EQ(e.upper, 100);
+  EXPECT_EQ(e.upper_depth(), 6);
+  EXPECT_EQ(e.move, 20);
+
+  // A lower bound above the upper one contradicts it: the upper bound goes.
+  tt.store(key, 30, 4, BOUND_LOWER, 120, 0);
+  e = tt.probe(key);
+  EXPECT_EQ(e.lower, 120);
+  EXPECT_EQ(e.lower_depth(), 4);  // the deeper old lower bound is overwritten
+  EXPECT_EQ(e.upper, VALUE_INFINITE);
+  EXPECT_EQ(e.upper_depth_flags, 0);
+  EXPECT_EQ(e.move, 30);
+}
+
+TEST_F(TTFixture, LowerBoundClearsExactFlag) {
+  const Key key = key_in(3, 42);
+  tt.store(key, 10, 16, BOUND_EXACT, 100, 0);
+  tt.store(key, 20, 8, BOUND_LOWER, 40, 0);
+  TTEntry e = tt.probe(key);
+  EXPECT_FALSE(e.exact());
+  EXPECT_EQ(e.upper, 100);
+  EXPECT_EQ(e.upper_depth(), 16);
+  EXPECT_EQ(e.lower, 40);
+}
+
+TEST_F(TTFixture, EmptySlotIgnoresOldContents) {
+  // A lower bound in a fresh slot has no upper bound, an upper bound no lower.
+  tt.store(key_in(1, 5), 10, 8, BOUND_LOWER, 40, 0);
+  tt.store(key_in(2, 5), 10, 8, BOUND_UPPER, 40, 0);
+  TTEntry lower = tt.probe(key_in(1, 5)), upper = tt.probe(key_in(2, 5));
+  EXPECT_EQ(lower.upper, VALUE_INFINITE);
+  EXPECT_EQ(lower.upper_depth_flags, 0);
+  EXPECT_EQ(upper.lower, VALUE_INFINITE);
+  EXPECT_EQ(upper.lower_depth(), 0);
+  EXPECT_EQ(upper.move, 0);
+}
+
+// Fills slots 0-3 of cluster 0 with check halves 1-4.
+void fill_cluster(TranspositionTable& tt, const int (&depths)[4], const int (&bounds)[4]) {
+  for (int i = 0; i < 4; ++i) tt.store(key_in(0, i + 1), 0, depths[i], bounds[i], 0, 0);
+}
+
+TEST_F(TTFixture, ReplacementTakesShallowestThenLowestSlot) {
+  fill_cluster(tt, {40, 20, 20, 60}, {BOUND_LOWER, BOUND_UPPER, BOUND_LOWER, BOUND_LOWER});
+  tt.store(key_in(0, 99), 5, 4, BOUND_LOWER, 7, 0);
+  EXPECT_EQ(slot(0, 1).key32, 99u);  // draft 20, the lower of two equal slots
+  EXPECT_EQ(slot(0, 1).upper, VALUE_INFINITE);
+  EXPECT_EQ(slot(0, 1).upper_depth_flags, 0);
+  EXPECT_EQ(slot(0, 2).key32, 3u);
+}
+
+TEST_F(TTFixture, ReplacementPrefersOldEntriesAndSparesExactOnes) {
+  fill_cluster(tt, {1000, 900, 800, 700}, {BOUND_LOWER, BOUND_LOWER, BOUND_LOWER, BOUND_LOWER});
+  tt.new_search();
+  tt.probe(key_in(0, 4));  // used in this search: current again
+  tt.store(key_in(0, 50), 0, 4, BOUND_UPPER, 0, 0);
+  EXPECT_EQ(slot(0, 2).key32, 50u);  // the shallowest old one, not the current slot 3
+  tt.store(key_in(0, 51), 0, 4, BOUND_UPPER, 0, 0);
+  EXPECT_EQ(slot(0, 1).key32, 51u);
+
+  // Among current entries of equal draft an exact one is worth 1000 more.
+  tt.clear();
+  fill_cluster(tt, {8, 8, 8, 8}, {BOUND_EXACT, BOUND_EXACT, BOUND_LOWER, BOUND_EXACT});
+  tt.store(key_in(0, 60), 0, 8, BOUND_EXACT, 0, 0);
+  EXPECT_EQ(slot(0, 2).key32, 60u);
+  EXPECT_TRUE(slot(0, 2).exact());
+  EXPECT_EQ(slot(0, 2).upper_depth_flags, 8 | TT_EXACT_FLAG);
+  // One search later every one of them is worth less than a current
+  // shallow bound: the first goes, then the next old one.
+  tt.new_search();
+  tt.store(key_in(0, 61), 0, 4, BOUND_LOWER, 0, 0);
+  EXPECT_EQ(slot(0, 0).key32, 61u);
+  tt.store(key_in(0, 62), 0, 4, BOUND_LOWER, 0, 0);
+  EXPECT_EQ(slot(0, 0).key32, 61u);
+  EXPECT_EQ(slot(0, 1).key32, 62u);
+}
+
+TEST_F(TTFixture, GenerationWrapsAfter64Searches) {
+  const uint16_t start = tt.generation();
+  tt.store(key_in(0, 1), 0, 50, BOUND_LOWER, 0, 0);
+  for (int i = 0; i < 63; ++i) tt.new_search();
+  EXPECT_NE(tt.generation(), start);
+  for (int check = 2; check <= 4; ++check) tt.store(key_in(0, check), 0, 10, BOUND_LOWER, 0, 0);
+  tt.new_search();
+  EXPECT_EQ(tt.generation(), start);
+  EXPECT_EQ(tt.generation() & 0x3FF, 0);
+  // Slot 0 was written 64 searches ago and is of age 0 again; the three
+  // written one search ago are the older ones now.
+  tt.store(key_in(0, 5), 0, 4, BOUND_LOWER, 0, 0);
+  EXPECT_EQ(slot(0, 0).key32, 1u);
+  EXPECT_EQ(slot(0, 1).key32, 5u);
+}
+
+TEST_F(TTFixture, HashfullCountsCurrentEntriesOfFirst250Clusters) {
+  EXPECT_EQ(tt.hashfull(), 0);
+  for (uint64_t c = 0; c < 300; ++c)
+    for (uint32_t check = 1; check <= 4; ++check) tt.store(key_in(c, check), 0, 4, BOUND_LOWER, 0, 0);
+  EXPECT_EQ(tt.hashfull(), 1000);
+  tt.new_search();
+  EXPECT_EQ(tt.hashfull(), 0);
+  tt.probe(key_in(17, 3));
+  EXPECT_EQ(tt.hashfull(), 1);
+  tt.clear();
+  tt.new_search();
+  EXPECT_EQ(tt.hashfull(), 0);
+}
+
+TEST(TranspositionTableScores, MateScoresAreStoredRelativeToTheNode) {
+  EXPECT_EQ(value_from_tt(32767, 7), 32767);
+  for (int ply : {0, 1, 5, 60}) EXPECT_EQ(value_to_tt(31995, ply), 31995);
+  EXPECT_EQ(value_to_tt(32491, 5), 32496);
+  EXPECT_EQ(value_from_tt(32496, 2), 32494);
+  EXPECT_EQ(value_to_tt(-32010, 3), -32013);
+  EXPECT_EQ(value_from_tt(-32013, 3), -32010);
+  EXPECT_EQ(value_to_tt(32000, 4), 32004);
+  EXPECT_EQ(value_from_tt(-31999, 4), -31999);
+}
+
+}  // namespace
+}  // namespace vx
