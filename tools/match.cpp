@@ -146,12 +146,12 @@ std::string position_command(const Game& game) {
 
 // Makes sure the engine runs and is ready for a new game; false with a reason if not.
 // An engine found dead (it may also have died while idle) gets one restart.
-bool prepare_engine(EngineProcess& e, const EngineSpec& spec, bool chess960, std::string& reason) {
+bool prepare_engine(EngineProcess& e, const EngineConfig& config, bool chess960, std::string& reason) {
   for (int attempt = 0; attempt < 2; ++attempt) {
     if (!IsRunning(e)) {
       StopEngine(e);
       std::string error;
-      if (!StartEngine(e, spec, error)) {
+      if (!StartEngine(e, config, error)) {
         reason = "could not be restarted: " + error;
         return false;
       }
@@ -506,10 +506,10 @@ int RunMatch(const MatchSettings& s) {
   }
   if (s.shuffle) std::shuffle(st.openings.begin(), st.openings.end(), std::mt19937_64(s.seed));
 
-  for (const EngineSpec& spec : s.engines) {
+  for (const EngineConfig& config : s.engines) {
     std::vector<std::string> words;
-    if (!SplitCommand(spec.command, words) || words.empty() || FindExecutable(words[0]).empty()) {
-      std::fprintf(stderr, "match: engine executable not found: '%s'\n", spec.command.c_str());
+    if (!SplitCommand(config.command, words) || words.empty() || FindExecutable(words[0]).empty()) {
+      std::fprintf(stderr, "match: engine executable not found: '%s'\n", config.command.c_str());
       return 2;
     }
   }

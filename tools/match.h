@@ -14,7 +14,7 @@
 namespace vx::dev {
 
 struct MatchSettings {
-  std::vector<EngineSpec> engines;
+  std::vector<EngineConfig> engines;
   int games = 0;
   int64_t base_ms = 0, increment_ms = 0;
   std::string time_control;  // as given, for the PGN

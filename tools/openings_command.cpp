@@ -30,7 +30,7 @@ struct OpeningSettings {
   int count = 0, plies = 0, depth = 8, window_cp = 50;
   uint64_t seed = 1;
   bool material_only = false;
-  EngineSpec engine;
+  EngineConfig engine;
   std::string out_path;
 };
 

@@ -149,11 +149,11 @@ std::string FindExecutable(const std::string& name) {
   return {};
 }
 
-bool StartEngine(EngineProcess& e, const EngineSpec& spec, std::string& error) {
+bool StartEngine(EngineProcess& e, const EngineConfig& config, std::string& error) {
   signal(SIGPIPE, SIG_IGN);  // a dead engine shows up as a failed write, not a dead runner
   std::vector<std::string> words;
-  if (!SplitCommand(spec.command, words) || words.empty()) {
-    error = "malformed engine command '" + spec.command + "'";
+  if (!SplitCommand(config.command, words) || words.empty()) {
+    error = "malformed engine command '" + config.command + "'";
     return false;
   }
   const std::string path = FindExecutable(words[0]);
@@ -163,7 +163,7 @@ bool StartEngine(EngineProcess& e, const EngineSpec& spec, std::string& error) {
   }
   if (!spawn(e, path, words, error)) return false;
 
-  const std::string who = "engine '" + spec.command + "'";
+  const std::string who = "engine '" + config.command + "'";
   SendLine(e, "uci");
   const int64_t deadline = platform::now_ms() + HANDSHAKE_TIMEOUT_MS;
   std::string line;
@@ -182,7 +182,7 @@ bool StartEngine(EngineProcess& e, const EngineSpec& spec, std::string& error) {
     if (line == "uciok") break;
     if (line.rfind("id name ", 0) == 0) e.id_name = line.substr(8);
   }
-  for (const auto& [name, value] : spec.options) SendLine(e, "setoption name " + name + " value " + value);
+  for (const auto& [name, value] : config.options) SendLine(e, "setoption name " + name + " value " + value);
   if (!Synchronize(e, HANDSHAKE_TIMEOUT_MS)) {
     error = who + " did not answer \"isready\" with \"readyok\" after setting its options";
     StopEngine(e);

@@ -13,7 +13,7 @@
 namespace vx::dev {
 
 // How to start an engine and what to tell it after "uci".
-struct EngineSpec {
+struct EngineConfig {
   std::string command;  // executable and arguments, split like a shell does (quotes, backslashes)
   std::string name;     // display name; empty for the engine's "id name"
   std::vector<std::pair<std::string, std::string>> options;
@@ -44,7 +44,7 @@ std::string FindExecutable(const std::string& command);
 
 // Starts the process, sends "uci" and waits for "uciok", sets the options and
 // waits for "readyok". False with a message on failure (the process is stopped).
-bool StartEngine(EngineProcess& e, const EngineSpec& spec, std::string& error);
+bool StartEngine(EngineProcess& e, const EngineConfig& config, std::string& error);
 bool IsRunning(const EngineProcess& e);
 
 bool SendLine(EngineProcess& e, const std::string& line);

@@ -235,9 +235,11 @@ Key Position::compute_material_key() const {
 }
 
 ValuePair Position::compute_psq() const {
-  ValuePair v = 0;
-  for (Square s = 0; s < 64; ++s) v += PSQ[board[s]][s];
-  return v;
+  // Wrapping sum: a FEN with absurd material must not overflow before the
+  // position is rejected.
+  uint32_t v = 0;
+  for (Square s = 0; s < 64; ++s) v += uint32_t(PSQ[board[s]][s]);
+  return ValuePair(v);
 }
 
 template <Color Us>

@@ -28,9 +28,12 @@ uint64_t total_nodes(const SearchState& state) {
 
 // Extra time for an unsettled root: the average time per event so far,
 // capped at the planned time.
+// Budgets are capped far beyond any real game (about twelve days).
+constexpr int64_t MAX_BUDGET_MS = int64_t(1) << 30;
+
 void add_extra(TimeManager& tm, int elapsed) {
   tm.count += 1;
-  tm.extra += std::min(elapsed / tm.count, tm.target);
+  tm.extra = int(std::min<int64_t>(int64_t(tm.extra) + std::min(elapsed / tm.count, tm.target), MAX_BUDGET_MS));
 }
 
 }  // namespace
@@ -47,26 +50,31 @@ void AllocateTime(const SearchLimits& limits, Color side, const Position& pos, c
   TimeManager& tm = time_manager;
   tm = TimeManager{};
 
-  const int t = std::max(limits.time[side] - settings.buffer_sec * 1000, 0);
-  const int i = std::max(limits.inc[side], 0);
+  // 64-bit arithmetic with a final clamp, so absurd clock values from the
+  // protocol cannot overflow.
+  const int64_t t = std::max<int64_t>(int64_t(limits.time[side]) - int64_t(settings.buffer_sec) * 1000, 0);
+  const int64_t i = std::max<int64_t>(limits.inc[side], 0);
+  int64_t target, maximum;
   if (limits.movestogo > 0) {
     const int m = std::min(limits.movestogo, 50);
-    tm.target = int(t / (m + 2.0) + i * 0.9);
-    tm.maximum = std::min(int(t * 0.65), tm.target * 10);
+    target = int64_t(t / (m + 2.0) + i * 0.9);
+    maximum = std::min(int64_t(t * 0.65), target * 10);
   } else {
-    tm.target = i > 0 ? int(i * 0.75 + t * 0.0285) : int(t * 0.022);
-    tm.maximum = int(t * 0.33);
+    target = i > 0 ? int64_t(i * 0.75 + t * 0.0285) : int64_t(t * 0.022);
+    maximum = int64_t(t * 0.33);
   }
-  if (settings.ponder) tm.target = int(tm.target * 1.25);
+  if (settings.ponder) target = int64_t(target * 1.25);
 
   // Less material left means fewer moves to come: up to 1.2 times the time
   // with bare kings, 0.8 times with the full set.
   const double f = std::min(1.0, material_weight(pos) * 5.0080128205128203e-5);
   const double k = 1.2 - 0.8;
-  tm.target = int((1.2 - f * k) * tm.target);
+  target = int64_t((1.2 - f * k) * target);
 
-  tm.target = std::max(int(tm.target * settings.usage_percent * 0.01), 10);
-  tm.maximum = std::max(tm.maximum, 20);
+  target = std::max<int64_t>(int64_t(target * settings.usage_percent * 0.01), 10);
+  maximum = std::max<int64_t>(maximum, 20);
+  tm.target = int(std::min(target, MAX_BUDGET_MS));
+  tm.maximum = int(std::min(maximum, MAX_BUDGET_MS));
 }
 
 bool TimeUp(int phase, int elapsed) {
@@ -74,7 +82,7 @@ bool TimeUp(int phase, int elapsed) {
   if (elapsed >= tm.maximum) return true;
   if (!tm.active) return false;
   const double mult = phase == PHASE_ITERATION ? 0.75 : phase == PHASE_ROOT_MOVE ? 1.0 : tm.unresolved ? 4.0 : 2.0;
-  return elapsed >= int(tm.factor * mult * (tm.target + tm.extra));
+  return elapsed >= int64_t(tm.factor * mult * (double(tm.target) + tm.extra));
 }
 
 void TimeEvent(int event, int elapsed, int score) {

@@ -301,7 +301,8 @@ void RootSearch(SearchState& st, Position& pos, Move prev, Move last, Value root
   root.root_tb_score = root_tb_score;
   root.line_count = 0;
   const int n = std::min(int(st.root_moves.size()), root.multipv);
-  const int max_depth = std::min(4 * st.limits.depth, 400);
+  // At least one iteration, at most 100 plies, whatever depth was asked for.
+  const int max_depth = 4 * std::clamp(st.limits.depth, 1, 100);
 
   Value v = 0;
   for (int d = 4; n > 0 && d <= max_depth && !st.stop; d += 4) {
