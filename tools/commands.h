@@ -11,6 +11,7 @@ using Args = std::vector<std::string>;
 
 int perft_command(const Args& args);
 int magics_command(const Args& args);
+int bench_command(const Args& args);
 int eval_command(const Args& args);
 int match_command(const Args& args);
 int openings_command(const Args& args);

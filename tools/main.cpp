@@ -15,6 +15,7 @@ void usage() {
       "usage: vorlaxen-dev COMMAND [ARGS...]\n"
       "  perft DEPTH FEN...|startpos [--portable]   count leaf nodes per root move\n"
       "  magics                                     print slider magic multipliers\n"
+      "  bench [--portable] [OFFSET]                 benchmark with the chosen bit-count build\n"
       "  eval FEN...|startpos                       evaluation trace, term by term\n"
       "  match --engine CMD ... --engine CMD ... --games N --tc BASE+INC [...]\n"
       "                                             play a match between two UCI engines\n"
@@ -29,6 +30,7 @@ int main(int argc, char** argv) {
   const std::map<std::string, std::function<int(const Args&)>> commands = {
       {"perft", perft_command},
       {"magics", magics_command},
+      {"bench", bench_command},
       {"eval", eval_command},
       {"match", match_command},
       {"openings", openings_command},

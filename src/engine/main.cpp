@@ -5,14 +5,12 @@
 #include <iostream>
 #include <string>
 
-#include "board/position.h"
+#include "engine/engine.h"
 #include "engine/options.h"
 #include "engine/output.h"
 #include "engine/startup.h"
 #include "engine/uci.h"
 #include "platform/platform.h"
-#include "search/thread.h"
-#include "search/tt.h"
 
 using namespace vx;
 
@@ -21,16 +19,8 @@ int main(int argc, char* argv[]) {
             (platform::cpu_has_popcnt() ? " HWPopCnt" : ""));
   InitStaticTables();
 
-  ThreadPool pool;
-  TranspositionTable table;
-  table.resize(64);
-  table.clear();
-  SearchState state(0, &table, &pool.threads);
-  Position position;
-  InitOptions(pool);
-  Thread main_thread{&state, &position};
-  state.thread = &main_thread;
-  pool.threads.push_back(&main_thread);
+  Engine engine;
+  ThreadPool& pool = engine.pool;
 
   if (argc > 1) {
     std::string line;

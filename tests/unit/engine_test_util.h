@@ -2,32 +2,18 @@
 // transposition table and the option table wired to them.
 #pragma once
 
-#include <memory>
-
+#include "engine/engine.h"
 #include "engine/options.h"
-#include "search/thread.h"
-#include "search/tt.h"
 #include "test_util.h"
 
 namespace vx::test {
 
 struct EngineFixture {
-  ThreadPool pool;
-  TranspositionTable tt;
-  std::unique_ptr<SearchState> state;
-  Position position;
-  Thread thread{};
-
-  EngineFixture() {
-    init();
-    tt.resize(1);
-    tt.clear();
-    state = std::make_unique<SearchState>(0, &tt, &pool.threads);
-    thread = Thread{state.get(), &position};
-    state->thread = &thread;
-    pool.threads.push_back(&thread);
-    InitOptions(pool);
-  }
+  Engine engine{(init(), 1u)};
+  ThreadPool& pool = engine.pool;
+  TranspositionTable& tt = engine.table;
+  SearchState* state = &engine.state;
+  Position& position = engine.position;
 };
 
 }  // namespace vx::test

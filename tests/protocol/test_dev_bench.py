@@ -1,0 +1,54 @@
+"""vorlaxen-dev bench: the two bit-count builds search identical trees."""
+import subprocess
+import sys
+import unittest
+
+DEV = sys.argv[2] if len(sys.argv) > 2 else "build/vorlaxen-dev"
+
+
+def bench(*args):
+    r = subprocess.run([DEV, "bench", *args], capture_output=True, text=True, timeout=300)
+    return r
+
+
+def per_position(output):
+    """(nodes of the last info line, bestmove line) for every searched position."""
+    result, nodes = [], None
+    for line in output.splitlines():
+        words = line.split()
+        if "nodes" in words and words[0] == "info":
+            nodes = int(words[words.index("nodes") + 1])
+        if line.startswith("bestmove"):
+            result.append((nodes, line))
+    return result
+
+
+class DevBench(unittest.TestCase):
+    def test_both_builds_give_the_same_nodes_and_moves_for_every_position(self):
+        hw = bench("-7")
+        if hw.returncode == 2 and "popcnt" in hw.stderr:
+            self.skipTest("processor without popcnt")
+        portable = bench("--portable", "-7")
+        self.assertEqual(hw.returncode, 0, hw.stderr)
+        self.assertEqual(portable.returncode, 0, portable.stderr)
+        a, b = per_position(hw.stdout), per_position(portable.stdout)
+        self.assertEqual(len(a), 35)
+        self.assertEqual(a, b)
+        total = [l for l in hw.stdout.splitlines() if l.startswith("Nodes searched")]
+        self.assertEqual(total, [l for l in portable.stdout.splitlines() if l.startswith("Nodes searched")])
+
+    def test_summary_lines(self):
+        lines = bench("-9").stdout.splitlines()
+        self.assertEqual(lines[-4], "")
+        self.assertRegex(lines[-3], r"^Total time \(ms\) : \d+$")
+        self.assertRegex(lines[-2], r"^Nodes searched  : \d+$")
+        self.assertRegex(lines[-1], r"^Nodes/second    : \d+$")
+
+    def test_bad_arguments(self):
+        for args in (["x"], ["--fast"], ["99"]):
+            r = bench(*args)
+            self.assertEqual(r.returncode, 2, args)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
