@@ -1,9 +1,16 @@
 #include "egdb/bases.h"
 
+#include <fstream>
+
+#include "engine/output.h"
+
 namespace vx {
 
-// The database loader is not built yet: this loads nothing and prints
-// nothing, so the engine runs without Vorlaxenbases until it is.
-void LoadVorlaxenbases(const std::string& /*listFile*/) {}
+// The database loader is not built yet: nothing is loaded. When the list file
+// exists the user evidently has databases, so say that they are not used.
+void LoadVorlaxenbases(const std::string& listFile) {
+  if (listFile.empty() || !std::ifstream(listFile)) return;
+  WriteLine("info string Vorlaxenbases are not supported yet; " + listFile + " is not used");
+}
 
 }  // namespace vx

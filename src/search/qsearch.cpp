@@ -54,23 +54,9 @@ Value QSearch(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Valu
 
   const Value alpha_start = alpha;
   Value best_value = -VALUE_MATE - 1;
-  if constexpr (InCheck) {
-    ss->static_eval = VALUE_INFINITE;
-    ComputeAttackInfo(pos, ai);
-  } else {
-    if (hit && tte.eval != VALUE_INFINITE) {
-      ss->static_eval = tte.eval;
-      ComputeAttackInfo(pos, ai);
-    } else {
-      ss->static_eval = evaluate<HwPopcnt>(st, pos, ai);
-    }
-    Value eval = ss->static_eval;
-    if (hit) {
-      const Value upper = value_from_tt(tte.upper, ply);
-      if (tte.upper_depth() && upper != VALUE_INFINITE && upper < eval) eval = upper;
-      const Value lower = value_from_tt(tte.lower, ply);
-      if (tte.lower_depth() && lower != VALUE_INFINITE && lower > eval) eval = lower;
-    }
+  ss->static_eval = NodeStaticEval<HwPopcnt, InCheck>(st, pos, ai, hit, tte);
+  if constexpr (!InCheck) {
+    const Value eval = hit ? RefineEval(ss->static_eval, tte, ply) : ss->static_eval;
     if (eval >= beta) return eval;  // stand pat
     best_value = eval;
     if (PvNode && best_value > alpha) alpha = best_value;

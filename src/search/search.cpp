@@ -52,15 +52,6 @@ Value TablebaseScore(SearchState& st, const Position& pos, int wdl, int ply) {
   return v;
 }
 
-// The working evaluation: the static one tightened by the table's bounds.
-inline Value RefineEval(Value eval, const TTEntry& tte, int ply) {
-  const Value upper = value_from_tt(tte.upper, ply);
-  if (tte.upper_depth() && upper != VALUE_INFINITE && upper < eval) eval = upper;
-  const Value lower = value_from_tt(tte.lower, ply);
-  if (tte.lower_depth() && lower != VALUE_INFINITE && lower > eval) eval = lower;
-  return eval;
-}
-
 }  // namespace
 
 template <bool HwPopcnt, Color Us, bool PvNode, SearchVariant Variant, bool InCheck>
@@ -123,16 +114,8 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
   }
 
   Value eval = VALUE_INFINITE;  // the working evaluation
-  if constexpr (InCheck) {
-    ss->static_eval = VALUE_INFINITE;
-    ComputeAttackInfo(pos, ai);
-  } else {
-    if (hit && tte.eval != VALUE_INFINITE) {
-      ss->static_eval = tte.eval;
-      ComputeAttackInfo(pos, ai);
-    } else {
-      ss->static_eval = evaluate<HwPopcnt>(st, pos, ai);
-    }
+  ss->static_eval = NodeStaticEval<HwPopcnt, InCheck>(st, pos, ai, hit, tte);
+  if constexpr (!InCheck) {
     eval = hit ? RefineEval(ss->static_eval, tte, ply) : ss->static_eval;
     UpdateGains(st, pos, ss);
   }

@@ -6,8 +6,10 @@
 
 #include "board/position.h"
 #include "engine/output.h"
+#include "eval/evaluate.h"
 #include "search/stack.h"
 #include "search/thread.h"
+#include "search/tt.h"
 
 namespace vx {
 
@@ -70,6 +72,26 @@ template <Color Us> inline bool IsAdvancedPawnMove(const Position& pos, Move m) 
 }
 
 // Milliseconds since the search started (the start is kept as 32 bits).
+// Static evaluation of a node, VALUE_INFINITE when in check; the table's
+// stored evaluation is used when it has one. Fills the node's AttackInfo.
+template <bool HwPopcnt, bool InCheck>
+inline Value NodeStaticEval(SearchState& st, const Position& pos, AttackInfo& ai, bool hit, const TTEntry& tte) {
+  if (InCheck || (hit && tte.eval != VALUE_INFINITE)) {
+    ComputeAttackInfo(pos, ai);
+    return InCheck ? VALUE_INFINITE : tte.eval;
+  }
+  return evaluate<HwPopcnt>(st, pos, ai);
+}
+
+// The working evaluation: the static one tightened by the table's bounds.
+inline Value RefineEval(Value eval, const TTEntry& tte, int ply) {
+  const Value upper = value_from_tt(tte.upper, ply);
+  if (tte.upper_depth() && upper != VALUE_INFINITE && upper < eval) eval = upper;
+  const Value lower = value_from_tt(tte.lower, ply);
+  if (tte.lower_depth() && lower != VALUE_INFINITE && lower > eval) eval = lower;
+  return eval;
+}
+
 inline int32_t ElapsedMs(const SearchState& st) { return int32_t(uint32_t(Clock()) - st.search_start); }
 
 }  // namespace vx

@@ -133,7 +133,7 @@ class SetOptionCommand(UciTestCase):
                         "setoption name Time Usage Percent value 49",
                         "setoption name MultiPV value abc", "setoption name MultiPV value 99999999999999999999",
                         "setoption name UCI_EngineAbout value a   spaced    text",
-                        "setoption name Clear Hash", "setoption name Syzygy Path value /nonexistent",
+                        "setoption name Clear Hash", "setoption name Syzygy Path value <empty>",
                         "setoption name UCI_VorlaxenbasesPath value /nonexistent/bases.ini"):
             self.assertEqual(self.answer(command), [], command)
         listing = self.listing()
@@ -145,6 +145,11 @@ class SetOptionCommand(UciTestCase):
         self.assertIn("option name MultiPV type spin min 1 max 20 default 1", listing)
         self.assertIn("option name UCI_EngineAbout type string default a spaced text", listing)
         self.assertEqual(len(listing), len(UCI_LISTING))
+
+    def test_a_tablebase_path_is_answered_as_not_supported(self):
+        answer = self.answer("setoption name Syzygy Path value /some/tables")
+        self.assertEqual(len(answer), 1)
+        self.assertTrue(answer[0].startswith("info string Syzygy tablebases are not supported"), answer)
 
 
 class Ending(unittest.TestCase):

@@ -11,6 +11,7 @@
 #include "eval/evaluate.h"
 #include "search/thread.h"
 #include "test_util.h"
+#include "tools/fen.h"
 
 namespace vx::test {
 
@@ -29,34 +30,6 @@ struct EvalFixture {
   }
 };
 
-// Placement, side to move and castling rights (standard letters) of a position.
-inline std::string fen_of(const Position& pos) {
-  std::string fen;
-  for (int r = 7; r >= 0; --r) {
-    int empty = 0;
-    for (int f = 0; f < 8; ++f) {
-      const Piece p = pos.board[make_square(f, r)];
-      if (p == NO_PIECE) {
-        ++empty;
-        continue;
-      }
-      if (empty) fen += char('0' + empty);
-      empty = 0;
-      fen += PIECE_LETTERS[p];
-    }
-    if (empty) fen += char('0' + empty);
-    if (r) fen += '/';
-  }
-  fen += pos.side_to_move == WHITE ? " w " : " b ";
-  const uint32_t cr = pos.state->castling_rights;
-  std::string rights;
-  if (cr & WHITE_OO) rights += 'K';
-  if (cr & WHITE_OOO) rights += 'Q';
-  if (cr & BLACK_OO) rights += 'k';
-  if (cr & BLACK_OOO) rights += 'q';
-  return fen + (rights.empty() ? "-" : rights) + " - 0 1";
-}
-
 inline std::vector<std::string> split_fen(const std::string& fen) {
   std::vector<std::string> parts;
   size_t start = 0;
@@ -67,6 +40,13 @@ inline std::vector<std::string> split_fen(const std::string& fen) {
     start = end + 1;
   }
   return parts;
+}
+
+// Placement, side to move and castling rights of a position, without an
+// en-passant square.
+inline std::string fen_of(const Position& pos) {
+  auto parts = split_fen(dev::PositionFen(pos, 0, 1));
+  return parts[0] + " " + parts[1] + " " + parts[2] + " - 0 1";
 }
 
 inline std::string swap_case(std::string s) {
