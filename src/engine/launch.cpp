@@ -62,9 +62,7 @@ void PrepareSearch(SearchState& st) {
   if (st.thread_index == 0) st.table->new_search();
   std::fill(&(*st.gains)[0][0], &(*st.gains)[0][0] + 16 * 64, 0);
   std::fill(&(*st.counter_moves)[0][0][0], &(*st.counter_moves)[0][0][0] + 16 * 64 * 2, 0u);
-  ClearMaterialTable(st.material_table);
-  ClearPawnTable(st.pawn_table);
-  st.material_probes = st.material_hits = st.pawn_probes = st.pawn_hits = 0;
+  st.reset_eval_caches();
   if (!OptionTrue("Keep Hash Tables") || OptionTrue("UCI_LimitStrength")) {
     if (st.thread_index == 0) st.table->clear();
     st.reset_history();

@@ -184,9 +184,7 @@ bool RunSelfTest(ThreadPool& pool) {
     pos.SetFromFen(e->fen);
     st.table->new_search();
     st.reset_history();
-    ClearMaterialTable(st.material_table);
-    ClearPawnTable(st.pawn_table);
-    st.material_probes = st.material_hits = st.pawn_probes = st.pawn_hits = 0;
+    st.reset_eval_caches();
     WriteLine("Testing position:\n" + BoardDiagram(pos) + "fen: " + e->fen);
     const int64_t t0 = Clock();
     const uint64_t n =

@@ -28,6 +28,12 @@ SearchState::~SearchState() {
   FreePawnTable(pawn_table);
 }
 
+void SearchState::reset_eval_caches() {
+  ClearMaterialTable(material_table);
+  ClearPawnTable(pawn_table);
+  material_probes = material_hits = pawn_probes = pawn_hits = 0;
+}
+
 void SearchState::reset_history() { std::fill(&(*history)[0][0], &(*history)[0][0] + 16 * 64, HISTORY_NEUTRAL); }
 
 uint64_t ThreadPool::nodes() const {

@@ -68,6 +68,8 @@ struct SearchState {
   SearchState& operator=(const SearchState&) = delete;
 
   void reset_history();  // every History entry to 1024
+  // Empties the material and pawn tables and zeroes their probe and hit counters.
+  void reset_eval_caches();
 };
 
 struct Thread {
