@@ -14,3 +14,14 @@ void LoadVorlaxenbases(const std::string& listFile) {
 }
 
 }  // namespace vx
+
+namespace vx {
+
+int VorlaxenbasesLargestMen() { return 0; }
+
+int ProbeVorlaxenbases(Position&, int& success) {
+  success = 0;
+  return 0;
+}
+
+}  // namespace vx

@@ -12,3 +12,14 @@ void InitSyzygy(const std::string& path) {
 }
 
 }  // namespace vx
+
+namespace vx {
+
+int SyzygyLargest() { return 0; }
+
+int ProbeWdl(Position&, int& success) {
+  success = 0;
+  return 0;
+}
+
+}  // namespace vx

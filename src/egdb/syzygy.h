@@ -5,8 +5,18 @@
 
 namespace vx {
 
+struct Position;
+
 // Registers the tables found along a ";"-separated path list; an empty list
 // or "<empty>" stands for no path.
 void InitSyzygy(const std::string& path);
+
+// The greatest number of men of any registered table (0 when none).
+int SyzygyLargest();
+
+// Win/draw/loss for the side to move: -2 loss, -1 loss the 50-move rule
+// saves, 0 draw, 1 win the 50-move rule spoils, 2 win. success is set to 0
+// when no table answers (the result is then meaningless).
+int ProbeWdl(Position& pos, int& success);
 
 }  // namespace vx

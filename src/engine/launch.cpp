@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "egdb/bases.h"
+#include "egdb/syzygy.h"
 #include "engine/options.h"
 #include "engine/output.h"
 #include "engine/timeman.h"
@@ -19,23 +21,40 @@ TablebaseHook tb_hook;
 
 namespace {
 
-// No endgame-database prober is registered in this build: the hook stays
-// switched off (probe_limit 0), so neither the root nor the tree probes.
-void ChooseProber() { tb_hook = TablebaseHook{}; }
+void CountTbHit(SearchState& st) { ++st.tbhits; }
+void CountSbHit(SearchState& st) { ++st.sbhits; }
 
-template <Color Us> bool ProbeAfter(Position& pos, Move m, int& wdl) {
+// Syzygy when it has tables and is allowed, else the Vorlaxenbases when they
+// are switched on (a limit of 0 switches probing off).
+void ChooseProber() {
+  tb_hook = TablebaseHook{};
+  tb_hook.probe_limit = OptionTrue("Use Syzygy Databases") ? SyzygyLargest() : 0;
+  if (tb_hook.probe_limit < 1) {
+    tb_hook.probe_limit = OptionTrue("Use Vorlaxenbases") ? VorlaxenbasesLargestMen() : 0;
+    tb_hook.rule50 = false;
+    tb_hook.probe = ProbeVorlaxenbases;
+    tb_hook.hit = CountSbHit;
+  } else {
+    tb_hook.rule50 = OptionTrue("Syzygy 50 Moves Rule");
+    tb_hook.probe = ProbeWdl;
+    tb_hook.hit = CountTbHit;
+  }
+}
+
+template <Color Us> int ProbeAfter(Position& pos, Move m, int& success) {
   pos.DoMove<Us>(m);
-  const bool ok = tb_hook.probe(pos, wdl);
+  const int wdl = tb_hook.probe(pos, success);
   pos.UndoMove<Us>(m);
-  return ok;
+  return wdl;
 }
 
 // Resolves the root through the tablebases when it has few enough men.
 Value ProbeRoot(SearchState& st, Position& pos) {
   if (!tb_hook.probe_limit || !tb_hook.probe || __builtin_popcountll(pos.occupied()) > tb_hook.probe_limit)
     return VALUE_INFINITE;
-  int w = 0;
-  if (!tb_hook.probe(pos, w)) return VALUE_INFINITE;
+  int success = 0;
+  const int w = tb_hook.probe(pos, success);
+  if (!success) return VALUE_INFINITE;
   const int r = tb_hook.rule50 ? 1 : 0;
   const Value score = w < -r ? -VALUE_MATE_BOUND : w > r ? VALUE_MATE_BOUND : 0;
   tb_hook.hit(st);
@@ -51,9 +70,9 @@ Value ProbeRoot(SearchState& st, Position& pos) {
 std::vector<Move> FilterRootMovesByTablebase(Position& pos, const std::vector<Move>& moves, int w) {
   std::vector<Move> kept;
   for (const Move m : moves) {
-    int wdl = 0;
-    const bool ok = pos.side_to_move == WHITE ? ProbeAfter<WHITE>(pos, m, wdl) : ProbeAfter<BLACK>(pos, m, wdl);
-    if (ok && wdl == -w) kept.push_back(m);
+    int success = 0;
+    const int wdl = pos.side_to_move == WHITE ? ProbeAfter<WHITE>(pos, m, success) : ProbeAfter<BLACK>(pos, m, success);
+    if (success && wdl == -w) kept.push_back(m);
   }
   return kept;
 }

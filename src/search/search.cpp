@@ -102,8 +102,9 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
 
   if (tb_hook.probe_limit && is_tactical(Move((ss - 1)->current_move)) &&
       popcount<HwPopcnt>(pos.occupied()) <= tb_hook.probe_limit) {
-    int wdl = 0;
-    if (tb_hook.probe(pos, wdl)) {
+    int success = 0;
+    const int wdl = tb_hook.probe(pos, success);
+    if (success) {
       tb_hook.hit(st);
       st.next_check -= 5;
       const Value v = TablebaseScore<Us>(st, pos, wdl, ply);

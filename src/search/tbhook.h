@@ -9,8 +9,10 @@ namespace vx {
 
 struct TablebaseHook {
   int probe_limit = 0;  // largest number of men to probe; 0 = no probing
-  // WDL from the side to move's view (-2..2); false when the probe failed.
-  bool (*probe)(const Position& pos, int& wdl) = nullptr;
+  // WDL from the side to move's view (Syzygy -2..2, Vorlaxenbases -1..1);
+  // success is set non-zero when a table answered. The prober may make and
+  // unmake moves on the position but leaves it as it found it.
+  int (*probe)(Position& pos, int& success) = nullptr;
   bool rule50 = false;  // results the 50-move rule turns into draws are draws
   void (*hit)(SearchState& st) = nullptr;
 };
