@@ -1,10 +1,14 @@
 # Convenience front end to CMake.
 #   make        build build/vorlaxen and build/vorlaxen-dev (Release)
 #   make run    build and start the engine on this terminal
-#   make test   build, run every test, then the unit tests under ASan+UBSan
+#   make test   build, run every test, then the unit tests under ASan+UBSan,
+#               then a short smoke run of every fuzz target when clang is there
+#   make fuzz   run every fuzz target for FUZZ_SECONDS (default 60) seconds
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
+FUZZ_SECONDS ?= 60
+FUZZ_CXX := $(shell command -v clang++-14 2>/dev/null || command -v clang++ 2>/dev/null)
 
-.PHONY: all run test test-release test-sanitize clean
+.PHONY: all run test test-release test-sanitize test-fuzz-smoke fuzz fuzz-build clean
 
 all:
 	cmake -S . -B build -DCMAKE_BUILD_TYPE=Release >/dev/null
@@ -13,7 +17,7 @@ all:
 run: all
 	./build/vorlaxen
 
-test: test-release test-sanitize
+test: test-release test-sanitize test-fuzz-smoke
 
 test-release: all
 	cd build && ctest --output-on-failure -j $(JOBS)
@@ -23,5 +27,20 @@ test-sanitize:
 	cmake --build build-sanitize -j $(JOBS) --target unit_tests
 	cd build-sanitize && ctest --output-on-failure -j $(JOBS)
 
+# libFuzzer needs clang and its runtime (Debian: clang-14, libclang-rt-14-dev).
+fuzz-build:
+	@if [ -z "$(FUZZ_CXX)" ]; then echo "fuzzing needs clang++ with libFuzzer (Debian: clang-14 libclang-rt-14-dev)"; exit 1; fi
+	cmake -S . -B build-fuzz -DCMAKE_CXX_COMPILER=$(FUZZ_CXX) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVORLAXEN_FUZZ=ON >/dev/null
+	cmake --build build-fuzz -j $(JOBS)
+
+fuzz: fuzz-build
+	tests/fuzz/run $(FUZZ_SECONDS)
+
+test-fuzz-smoke:
+	@if [ -z "$(FUZZ_CXX)" ] || ! echo 'extern "C" int LLVMFuzzerTestOneInput(const char*, unsigned long) { return 0; }' | \
+	    $(FUZZ_CXX) -x c++ -fsanitize=fuzzer - -o /tmp/vorlaxen-fuzz-probe 2>/dev/null; then \
+	  echo "fuzz smoke SKIPPED: no clang++ with libFuzzer on this machine (Debian: clang-14 libclang-rt-14-dev)"; \
+	else $(MAKE) --no-print-directory fuzz FUZZ_SECONDS=20; fi
+
 clean:
-	rm -rf build build-sanitize
+	rm -rf build build-sanitize build-fuzz

@@ -361,15 +361,17 @@ bool IsLegal(const Position& pos, Move m, const AttackInfo& ai) {
   const Square from = from_sq(m), to = to_sq(m);
   const Square k = pos.king_square(Us);
   if ((ai.king_blockers(Us) & sq_bb(from)) && !(line[from][to] & sq_bb(k))) return false;
-  if (is_en_passant(m) && rank_of(k) == rank_of(from)) {
+  if (!is_en_passant(m)) return true;
+  const Bitboard occ = pos.occupied() ^ sq_bb(from) ^ sq_bb(to - UP<Us>);
+  if (rank_of(k) == rank_of(from)) {
     const Bitboard enemies = pos.straight_sliders(~Us) & rank_bb(rank_of(from));
-    if (enemies) {
-      const Square captured = to - UP<Us>;
-      const Bitboard occ = pos.occupied() ^ sq_bb(from) ^ sq_bb(captured);
-      if (RookAttacks(k, occ) & enemies) return false;
-    }
+    if (enemies && (RookAttacks(k, occ) & enemies)) return false;
   }
-  return true;
+  // The captured pawn may also have shielded the king along a diagonal. No
+  // game reaches that (the double step would have left the mover in check),
+  // but a position set up from text can.
+  const Bitboard diagonal = pos.diagonal_sliders(~Us);
+  return !(diagonal && (BishopAttacks(k, occ | sq_bb(to)) & diagonal));
 }
 
 template <Color Us>

@@ -1,5 +1,6 @@
 #include "board/position.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "board/movegen.h"
@@ -184,13 +185,10 @@ bool Position::SetFromFen(const std::string& fen) {
       castle_mask[king] |= right;
       castle_mask[rook] |= right;
     }
-    // En-passant square: kept only on the rank a double push can pass over.
     if (at(i) == ' ' && at(i + 1) != '-') {
       char f = at(i + 1), r = at(i + 2);
-      if (f >= 'a' && f <= 'h' && r >= '1' && r <= '8') {
-        Square s = (r - '1') * 8 + (f - 'a');
-        if (rank_of(s) == (side_to_move == WHITE ? 5 : 2)) state->ep_square = uint32_t(s);
-      }
+      if (f >= 'a' && f <= 'h' && r >= '1' && r <= '8' && CanBeEnPassantSquare((r - '1') * 8 + (f - 'a')))
+        state->ep_square = uint32_t((r - '1') * 8 + (f - 'a'));
     }
   }
 
@@ -212,6 +210,17 @@ bool Position::SetFromFen(const std::string& fen) {
   state->psq = compute_psq();
   *key_history_top = uint32_t(state->key);
   return true;
+}
+
+// An en-passant square is kept only where a double step can just have
+// passed: on the third rank seen from the mover, with the mover's pawn on the
+// square in front of it and that square and the one behind it empty.
+// Anything else would let a capture remove a pawn that is not there.
+bool Position::CanBeEnPassantSquare(Square s) const {
+  const Color them = ~side_to_move;
+  if (relative_rank(them, s) != 2) return false;
+  const int forward = them == WHITE ? 8 : -8;
+  return board[s + forward] == make_piece(them, PAWN) && board[s] == NO_PIECE && board[s - forward] == NO_PIECE;
 }
 
 Key Position::compute_key() const {
@@ -417,12 +426,30 @@ Move ParseMove(const Position& pos, const std::string& token) {
 
 namespace vx {
 
+namespace {
+
+// Pieces beyond the initial set (one queen, two rooks, two bishops, two
+// knights): each must have been a pawn. Capping them also caps the move
+// lists, which are sized for the material a game can have. Bishops are not
+// told apart by square colour: hand-written FENs often get that wrong, and
+// it does not matter for the move count.
+int PromotedPieces(const Position& pos, Color c) {
+  auto beyond = [&](Bitboard b, int initial) { return std::max(__builtin_popcountll(b) - initial, 0); };
+  return beyond(pos.of(c, QUEEN), 1) + beyond(pos.of(c, ROOK), 2) + beyond(pos.of(c, KNIGHT), 2) +
+         beyond(pos.bishops(c), 2);
+}
+
+}  // namespace
+
 const char* PositionDefect(const Position& pos) {
   if (__builtin_popcountll(pos.of(WHITE, KING)) != 1 || __builtin_popcountll(pos.of(BLACK, KING)) != 1)
     return "each side needs exactly one king";
   if ((pos.of(WHITE, PAWN) | pos.of(BLACK, PAWN)) & (RANK_1_BB | RANK_8_BB)) return "pawn on the first or eighth rank";
   if (__builtin_popcountll(pos.by_color(WHITE)) > 16 || __builtin_popcountll(pos.by_color(BLACK)) > 16)
     return "more than 16 pieces of one colour";
+  if (PromotedPieces(pos, WHITE) > 8 - __builtin_popcountll(pos.of(WHITE, PAWN)) ||
+      PromotedPieces(pos, BLACK) > 8 - __builtin_popcountll(pos.of(BLACK, PAWN)))
+    return "more pieces than promotions can explain";
   const Color them = ~pos.side_to_move;
   const Square k = pos.king_square(them);
   const bool attacked = them == WHITE ? IsAttackedByBlack(pos, k) : IsAttackedByWhite(pos, k);

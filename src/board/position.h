@@ -66,6 +66,7 @@ struct Position {
   Position& operator=(const Position& other);
 
   bool SetFromFen(const std::string& fen);
+  bool CanBeEnPassantSquare(Square s) const;
 
   template <Color Us> void DoMove(Move m);
   template <Color Us> void UndoMove(Move m);

@@ -111,6 +111,8 @@ class PositionCommand(UciTestCase):
                     "4k2P/8/8/8/8/8/8/4K3 w - -",
                     "4k3/8/8/8/8/8/8/p3K3 b - -",
                     "4k3/8/8/8/8/NNNNNNNN/NNNNNNNN/4K3 w - -",
+                    "4k3/8/8/8/QQQQQQQQ/QQQQQQQ1/8/4K3 w - -",
+                    "4k3/8/8/8/8/PPPPPPPP/BBB5/4K3 w - -",
                     "4k3/8/8/8/8/8/8/4R1K1 w - -",
                     "8/8/8/8/8/3kK3/8/8 b - -"):
             self.assertEqual(self.answer("position fen " + fen), ["illegal position command"], fen)
@@ -267,6 +269,17 @@ class HostileInput(UciTestCase):
             self.engine.send(command)
         self.assertEqual(self.engine.sync(30), [])
         self.assertIn("option name Hash type spin min 1 max 65536 default 64", self.listing())
+
+    def test_impossible_en_passant_fields_are_searched_safely(self):
+        # Pasted positions no game reaches: a capture that would uncover a
+        # diagonal check, and fields with no double-stepped pawn behind them.
+        for fen in ("8/5bk1/8/2Pp4/8/1K6/8/8 w - d6 0 1", "4R3/qQ6/4qP1n/3pP2k/2K3p1/8/5P2/8 w - d6 18 179",
+                    "8/P2Q1n2/1k1q1R2/4P2B/8/8/2K5/8 w - d6 21 157"):
+            self.engine.send("position fen " + fen)
+            self.engine.send("go depth 8")
+            lines = self.engine.read_until(lambda l: l.startswith("bestmove"), 30)
+            self.assertNotIn(best_move(lines), ("c5d6", "e5d6", "0000"), fen)
+        self.assertEqual(self.engine.sync(), [])
 
     def test_absurd_search_limits_still_give_a_move(self):
         for go in ("go depth -5", "go depth 0", "go depth 2147483647 movetime 100", "go nodes -1 depth 2",
