@@ -29,7 +29,7 @@ Verdict play(Game& g, const std::string& moves) {
   return v;
 }
 
-const std::string START = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1";
+const std::string START = test::START_FEN;
 
 TEST(Adjudicate, CheckmateAndStalemate) {
   Game g = start(START);
@@ -119,32 +119,24 @@ TEST(Adjudicate, FiftyMoveRule) {
 }
 
 TEST(Adjudicate, InsufficientMaterial) {
-  const auto dead = [](const std::string& fen) { return InsufficientMaterial(test::from_fen(fen)); };
-  EXPECT_TRUE(dead("4k3/8/8/8/8/8/8/4K3 w - - 0 1"));
-  EXPECT_TRUE(dead("4k3/8/8/8/8/8/8/2N1K3 w - - 0 1"));
-  EXPECT_TRUE(dead("4k3/8/8/8/8/8/8/2B1K3 b - - 0 1"));
-  EXPECT_TRUE(dead("2b1k3/8/8/8/8/8/8/4KB2 w - - 0 1"));   // c8 and f1: both light squares
-  EXPECT_TRUE(dead("4k3/8/8/8/8/8/8/B1B1K3 w - - 0 1"));   // a1 and c1: both dark
-  EXPECT_FALSE(dead("1b2k3/8/8/8/8/8/8/4KB2 w - - 0 1"));  // b8 dark, f1 light
-  EXPECT_FALSE(dead("4k3/8/8/8/8/8/8/1NN1K3 w - - 0 1"));
-  EXPECT_FALSE(dead("1n2k3/8/8/8/8/8/8/2N1K3 w - - 0 1"));
-  EXPECT_FALSE(dead("4k3/8/8/8/8/8/8/2B1KN2 w - - 0 1"));
-  EXPECT_FALSE(dead("4k3/8/8/8/8/8/P7/4K3 w - - 0 1"));
-  EXPECT_FALSE(dead("4k3/8/8/8/8/8/8/R3K3 w - - 0 1"));
-
+  const std::pair<const char*, bool> cases[] = {
+      {"4k3/8/8/8/8/8/8/4K3 w - - 0 1", true},
+      {"4k3/8/8/8/8/8/8/2N1K3 w - - 0 1", true},
+      {"4k3/8/8/8/8/8/8/2B1K3 b - - 0 1", true},
+      {"2b1k3/8/8/8/8/8/8/4KB2 w - - 0 1", true},   // c8 and f1: both light squares
+      {"4k3/8/8/8/8/8/8/B1B1K3 w - - 0 1", true},   // a1 and c1: both dark
+      {"1b2k3/8/8/8/8/8/8/4KB2 w - - 0 1", false},  // b8 dark, f1 light
+      {"4k3/8/8/8/8/8/8/1NN1K3 w - - 0 1", false},
+      {"1n2k3/8/8/8/8/8/8/2N1K3 w - - 0 1", false},
+      {"4k3/8/8/8/8/8/8/2B1KN2 w - - 0 1", false},
+      {"4k3/8/8/8/8/8/P7/4K3 w - - 0 1", false},
+      {"4k3/8/8/8/8/8/8/R3K3 w - - 0 1", false},
+  };
+  for (const auto& [fen, dead] : cases) EXPECT_EQ(InsufficientMaterial(test::from_fen(fen)), dead) << fen;
   Game g = start("4k3/8/8/8/8/8/3q4/4K3 w - - 0 1");
   const Verdict v = play(g, "e1d2");
   EXPECT_EQ(v.result, GameResult::DRAW);
   EXPECT_EQ(v.reason, "insufficient material");
-}
-
-TEST(Adjudicate, ForfeitsAndResultText) {
-  EXPECT_EQ(Forfeit(WHITE, "time forfeit", "x").result, GameResult::BLACK_WINS);
-  EXPECT_EQ(Forfeit(BLACK, "rules infraction", "x").result, GameResult::WHITE_WINS);
-  EXPECT_STREQ(ResultText(GameResult::WHITE_WINS), "1-0");
-  EXPECT_STREQ(ResultText(GameResult::BLACK_WINS), "0-1");
-  EXPECT_STREQ(ResultText(GameResult::DRAW), "1/2-1/2");
-  EXPECT_STREQ(ResultText(GameResult::NONE), "*");
 }
 
 }  // namespace

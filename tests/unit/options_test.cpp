@@ -1,8 +1,7 @@
-// Engine options: the listing, name matching, value validation, the stored
-// text and the on-change handlers.
+// Engine options: name matching, value validation, the stored text and the
+// on-change handlers.
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -12,19 +11,6 @@
 namespace vx {
 namespace {
 
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream in(text);
-  for (std::string l; std::getline(in, l);) lines.push_back(l);
-  return lines;
-}
-
-std::string Listing() {
-  testing::internal::CaptureStdout();
-  PrintOptions();
-  return testing::internal::GetCapturedStdout();
-}
-
 // Puts one entry into the table so that a clear can be seen.
 void StoreOne(TranspositionTable& tt) {
   tt.store(0x123456789ULL << 20, make_move(SQ_E2, SQ_E4), 8, BOUND_EXACT, 17, 5);
@@ -33,17 +19,8 @@ bool HasEntry(const TranspositionTable& tt) { return tt.probe(0x123456789ULL << 
 
 struct OptionsTest : ::testing::Test, test::EngineFixture {};
 
-TEST_F(OptionsTest, ListingHasEveryOptionInTableOrderWithMinMaxBeforeDefault) {
-  const std::vector<std::string> lines = Lines(Listing());
-  ASSERT_EQ(lines.size(), 18u);
-  EXPECT_EQ(lines[0], "option name Hash type spin min 1 max 65536 default 64");
-  EXPECT_EQ(lines[3], "option name UCI_EngineAbout type string default Vorlaxen by Quenstel, https://vorlaxen.org");
-  EXPECT_EQ(lines[9], "option name Clear Hash type button");
-  EXPECT_EQ(lines[14], "option name Syzygy Path type string default <empty>");
-  EXPECT_EQ(lines[15], "option name Contempt type spin min -300 max 300 default 0");
-  EXPECT_EQ(lines[17], "option name Time Usage Percent type spin min 50 max 200 default 100");
-}
-
+// The whole listing is pinned by the protocol test of "uci"; here the line
+// format of the one option kind the table does not use.
 TEST_F(OptionsTest, ComboListsItsVarsAfterTheDefault) {
   UCI::Option combo = UCI::Option::String("Style", "Normal");
   combo.type = "combo";
@@ -56,43 +33,36 @@ TEST_F(OptionsTest, ComboListsItsVarsAfterTheDefault) {
 }
 
 TEST_F(OptionsTest, NamesMatchWithoutRegardToCaseButWhole) {
-  ASSERT_NE(FindOption("hash"), nullptr);
-  EXPECT_EQ(FindOption("HASH")->name, "Hash");
   EXPECT_EQ(FindOption("time buffer (SEC)")->name, "Time Buffer (sec)");
-  EXPECT_EQ(FindOption("Hashes"), nullptr);
-  EXPECT_EQ(FindOption("Has"), nullptr);
-  EXPECT_EQ(FindOption(""), nullptr);
-
-  SetOption("contempt", "-300");
-  EXPECT_EQ(OptionInt("Contempt"), -300);
-  EXPECT_EQ(Lines(Listing())[15], "option name Contempt type spin min -300 max 300 default -300");
+  for (const char* name : {"Hashes", "Has", ""}) EXPECT_EQ(FindOption(name), nullptr) << name;
 }
 
+// Values outside the range, not numbers at all, or not exactly "true" /
+// "false" leave the old value.
 TEST_F(OptionsTest, RejectedValuesLeaveTheOldValue) {
-  SetOption("UCI_Elo", "3000");
-  EXPECT_EQ(OptionText("UCI_Elo"), "1400");
-  SetOption("UCI_Elo", "849");
-  EXPECT_EQ(OptionText("UCI_Elo"), "1400");
-  SetOption("UCI_Elo", "850");
-  EXPECT_EQ(OptionText("UCI_Elo"), "850");
-  SetOption("UCI_Elo", "2800");
-  EXPECT_EQ(OptionText("UCI_Elo"), "2800");
-
-  SetOption("Time Usage Percent", "49");
-  SetOption("Time Usage Percent", "");
-  SetOption("Time Usage Percent", "abc");
-  SetOption("Time Usage Percent", "99999999999999999999999999");
-  SetOption("Time Usage Percent", "-99999999999999999999999999");
-  EXPECT_EQ(OptionText("Time Usage Percent"), "100");
-
-  SetOption("Ponder", "TRUE");
-  SetOption("Ponder", "1");
-  EXPECT_FALSE(OptionTrue("Ponder"));
-  SetOption("Ponder", "true");
+  const struct {
+    const char* name;
+    const char* value;
+    const char* stored;
+  } cases[] = {
+      {"UCI_Elo", "3000", "1400"},
+      {"UCI_Elo", "849", "1400"},
+      {"UCI_Elo", "850", "850"},
+      {"UCI_Elo", "2800", "2800"},
+      {"Time Usage Percent", "49", "100"},
+      {"Time Usage Percent", "", "100"},
+      {"Time Usage Percent", "abc", "100"},
+      {"Time Usage Percent", "99999999999999999999999999", "100"},
+      {"Time Usage Percent", "-99999999999999999999999999", "100"},
+      {"Ponder", "TRUE", "false"},
+      {"Ponder", "1", "false"},
+      {"Ponder", "true", "true"},
+  };
+  for (const auto& c : cases) {
+    SetOption(c.name, c.value);
+    EXPECT_EQ(OptionText(c.name), c.stored) << c.name << " = " << c.value;
+  }
   EXPECT_TRUE(OptionTrue("Ponder"));
-
-  SetOption("No Such Option", "1");  // does nothing
-  EXPECT_EQ(Lines(Listing()).size(), 18u);
 }
 
 TEST_F(OptionsTest, SpinStoresTheTextItReceivedAndHandlerReadsItsNumber) {
@@ -100,7 +70,6 @@ TEST_F(OptionsTest, SpinStoresTheTextItReceivedAndHandlerReadsItsNumber) {
   EXPECT_EQ(OptionText("Hash"), "2MB");
   EXPECT_EQ(OptionInt("Hash"), 2);
   EXPECT_EQ(tt.cluster_count(), 2u * 1024 * 1024 / sizeof(TTCluster));
-  EXPECT_EQ(Lines(Listing())[0], "option name Hash type spin min 1 max 65536 default 2MB");
 
   SetOption("Time Buffer (sec)", "  +7 seconds");
   EXPECT_EQ(OptionText("Time Buffer (sec)"), "  +7 seconds");
@@ -140,19 +109,16 @@ TEST_F(OptionsTest, HandlerSeesTheNewValue) {
 }
 
 TEST(ParseInteger, ReadsLikeTheStandardConversion) {
-  int64_t v = 0;
-  EXPECT_TRUE(ParseInteger("  128MB", v));
-  EXPECT_EQ(v, 128);
-  EXPECT_TRUE(ParseInteger("-300", v));
-  EXPECT_EQ(v, -300);
-  EXPECT_TRUE(ParseInteger("+4", v));
-  EXPECT_EQ(v, 4);
-  v = 99;
-  EXPECT_FALSE(ParseInteger("abc", v));
-  EXPECT_FALSE(ParseInteger("", v));
-  EXPECT_FALSE(ParseInteger("-", v));
-  EXPECT_FALSE(ParseInteger("123456789012345678901234567890", v));
-  EXPECT_EQ(v, 99);
+  for (const auto& [text, value] : std::vector<std::pair<const char*, int64_t>>{{"  128MB", 128}, {"-300", -300}, {"+4", 4}}) {
+    int64_t v = 0;
+    EXPECT_TRUE(ParseInteger(text, v)) << text;
+    EXPECT_EQ(v, value) << text;
+  }
+  for (const char* text : {"abc", "", "-", "123456789012345678901234567890"}) {
+    int64_t v = 99;
+    EXPECT_FALSE(ParseInteger(text, v)) << text;
+    EXPECT_EQ(v, 99) << text;
+  }
 }
 
 }  // namespace

@@ -18,33 +18,24 @@ std::string Captured(void (*print)()) {
 
 const Move E2E4 = make_move(SQ_E2, SQ_E4), E7E5 = make_move(SQ_E7, SQ_E5), G1F3 = make_move(SQ_G1, SQ_F3);
 
-TEST(ScoreText, CentipawnsAndDecisiveScores) {
-  EXPECT_EQ(ScoreText(512, VALUE_INFINITE), "cp 200");
-  EXPECT_EQ(ScoreText(-1, VALUE_INFINITE), "cp 0");
-  EXPECT_EQ(ScoreText(-255, VALUE_INFINITE), "cp -99");
-  EXPECT_EQ(ScoreText(31500, VALUE_INFINITE), "cp 27500");
-  EXPECT_EQ(ScoreText(-31500, VALUE_INFINITE), "cp -27500");
-  EXPECT_EQ(ScoreText(31999, VALUE_INFINITE), "cp 27999");
-  EXPECT_EQ(ScoreText(30999, VALUE_INFINITE), "cp 12108");
-}
-
-TEST(ScoreText, MatesWinOverTablebaseRootScore) {
-  EXPECT_EQ(ScoreText(32499, VALUE_INFINITE), "mate 1");
-  EXPECT_EQ(ScoreText(-32498, VALUE_INFINITE), "mate -1");
-  EXPECT_EQ(ScoreText(32000, VALUE_INFINITE), "mate 250");
-  EXPECT_EQ(ScoreText(32497, 32000), "mate 2");
-  EXPECT_EQ(ScoreText(100, 32000), "cp 28000");
-  EXPECT_EQ(ScoreText(100, -32000), "cp -28000");
-  EXPECT_EQ(ScoreText(-700, 0), "cp 0");
-}
-
-TEST(MateDistance, PliesToMoves) {
-  EXPECT_EQ(MateDistance(32499), 1);
-  EXPECT_EQ(MateDistance(32498), 1);
-  EXPECT_EQ(MateDistance(32497), 2);
-  EXPECT_EQ(MateDistance(-32500), 0);
-  EXPECT_EQ(MateDistance(-32498), -1);
-  EXPECT_EQ(MateDistance(-32496), -2);
+// Centipawns are score * 100 / 256; known wins keep 4000 centipawns off;
+// mates count moves from the plies; a tablebase root score (second argument)
+// replaces all but mate scores.
+TEST(ScoreText, CentipawnsMatesAndTablebaseScores) {
+  const struct {
+    Value score, tb_score;
+    const char* text;
+  } cases[] = {
+      {512, VALUE_INFINITE, "cp 200"},      {-1, VALUE_INFINITE, "cp 0"},
+      {-255, VALUE_INFINITE, "cp -99"},     {31500, VALUE_INFINITE, "cp 27500"},
+      {-31500, VALUE_INFINITE, "cp -27500"}, {31999, VALUE_INFINITE, "cp 27999"},
+      {30999, VALUE_INFINITE, "cp 12108"},  {32499, VALUE_INFINITE, "mate 1"},
+      {32498, VALUE_INFINITE, "mate 1"},    {-32498, VALUE_INFINITE, "mate -1"},
+      {-32496, VALUE_INFINITE, "mate -2"},  {32000, VALUE_INFINITE, "mate 250"},
+      {32497, 32000, "mate 2"},             {100, 32000, "cp 28000"},
+      {100, -32000, "cp -28000"},           {-700, 0, "cp 0"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(ScoreText(c.score, c.tb_score), c.text) << c.score << " " << c.tb_score;
 }
 
 TEST(PvLine, AllFieldsInOrder) {

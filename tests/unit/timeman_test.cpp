@@ -8,7 +8,6 @@ namespace vx {
 namespace {
 
 const char* const KINGS_ONLY = "4k3/8/8/8/8/8/8/4K3 w - - 0 1";
-const char* const QUEENS_ONLY = "3qk3/8/8/8/8/8/8/3QK3 w - - 0 1";
 
 SearchLimits clock_limits(int wtime, int winc = 0, int movestogo = 0) {
   SearchLimits l;
@@ -18,56 +17,42 @@ SearchLimits clock_limits(int wtime, int winc = 0, int movestogo = 0) {
   return l;
 }
 
-// Target and maximum for White with the given settings.
-std::pair<int, int> allocate(const SearchLimits& l, const Position& pos, TimeSettings s = {}) {
-  AllocateTime(l, WHITE, pos, s);
-  return {time_manager.target, time_manager.maximum};
-}
-
 using Budget = std::pair<int, int>;
 
-TEST(AllocateTime, SuddenDeathAndIncrement) {
-  const Position start = test::startpos();
-  EXPECT_EQ(allocate(clock_limits(60000), start), Budget(1038, 19470));
-  EXPECT_EQ(allocate(clock_limits(60000, 1000), start), Budget(1944, 19470));
-  // Negative increments count as none.
-  EXPECT_EQ(allocate(clock_limits(60000, -500), start), Budget(1038, 19470));
-  // Below the buffer: the floors.
-  EXPECT_EQ(allocate(clock_limits(500), start), Budget(10, 20));
-  // Only the other side's clock given: still a clock, with no time of ours.
-  SearchLimits black_only;
+// Target and maximum for White to move.
+TEST(AllocateTime, TargetAndMaximum) {
+  SearchLimits black_only;  // only the other side's clock given: still a clock, with no time of ours
   black_only.time[BLACK] = 60000;
-  EXPECT_EQ(allocate(black_only, start), Budget(10, 20));
-}
-
-TEST(AllocateTime, MovesToGo) {
-  const Position start = test::startpos();
-  EXPECT_EQ(allocate(clock_limits(300000, 0, 40), start), Budget(5695, 71190));
-  // At most 50 moves are planned for; the maximum is at most ten targets.
-  EXPECT_EQ(allocate(clock_limits(60000, 0, 100), start), Budget(907, 11340));
-  // One move left: the maximum is 65% of the clock.
-  EXPECT_EQ(allocate(clock_limits(10000, 0, 1), start), Budget(2400, 5850));
-  EXPECT_EQ(allocate(clock_limits(20000, 5000, 5), start), Budget(5771, 12350));
-}
-
-TEST(AllocateTime, LessMaterialMoreTime) {
-  EXPECT_EQ(allocate(clock_limits(60000), test::from_fen(KINGS_ONLY)), Budget(1557, 19470));
-  EXPECT_EQ(allocate(clock_limits(60000), test::from_fen(QUEENS_ONLY)), Budget(1411, 19470));
-}
-
-TEST(AllocateTime, Settings) {
-  const Position start = test::startpos();
-  TimeSettings ponder;
+  TimeSettings ponder, no_buffer, more, less;
   ponder.ponder = true;
-  EXPECT_EQ(allocate(clock_limits(60000), start, ponder), Budget(1297, 19470));
-  TimeSettings no_buffer;
   no_buffer.buffer_sec = 0;
-  EXPECT_EQ(allocate(clock_limits(60000), start, no_buffer), Budget(1056, 19800));
-  TimeSettings more, less;
   more.usage_percent = 150;
   less.usage_percent = 50;
-  EXPECT_EQ(allocate(clock_limits(60000), start, more), Budget(1557, 19470));
-  EXPECT_EQ(allocate(clock_limits(60000), start, less), Budget(519, 19470));
+  const struct {
+    SearchLimits limits;
+    const char* fen;
+    TimeSettings settings;
+    Budget expected;
+  } cases[] = {
+      {clock_limits(60000), test::START_FEN, {}, {1038, 19470}},
+      {clock_limits(60000, 1000), test::START_FEN, {}, {1944, 19470}},
+      {clock_limits(60000, -500), test::START_FEN, {}, {1038, 19470}},  // negative increments count as none
+      {clock_limits(500), test::START_FEN, {}, {10, 20}},                // below the buffer: the floors
+      {black_only, test::START_FEN, {}, {10, 20}},
+      {clock_limits(300000, 0, 40), test::START_FEN, {}, {5695, 71190}},
+      {clock_limits(60000, 0, 100), test::START_FEN, {}, {907, 11340}},  // at most 50 moves planned
+      {clock_limits(10000, 0, 1), test::START_FEN, {}, {2400, 5850}},    // one move left: 65% of the clock
+      {clock_limits(60000), KINGS_ONLY, {}, {1557, 19470}},              // less material, more time
+      {clock_limits(60000), test::START_FEN, ponder, {1297, 19470}},
+      {clock_limits(60000), test::START_FEN, no_buffer, {1056, 19800}},
+      {clock_limits(60000), test::START_FEN, more, {1557, 19470}},
+      {clock_limits(60000), test::START_FEN, less, {519, 19470}},
+  };
+  for (const auto& c : cases) {
+    AllocateTime(c.limits, WHITE, test::from_fen(c.fen), c.settings);
+    EXPECT_EQ(Budget(time_manager.target, time_manager.maximum), c.expected)
+        << c.fen << " " << c.limits.time[WHITE] << "+" << c.limits.inc[WHITE] << "/" << c.limits.movestogo;
+  }
 }
 
 TEST(AllocateTime, ResetsTheEventState) {
