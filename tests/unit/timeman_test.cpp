@@ -79,11 +79,12 @@ void start_manager() {
 }
 
 TEST(TimeEvent, ScoreDropStretchesTheSoftLimit) {
+  time_manager = TimeManager{};
+  TimeEvent(EVENT_FIRST_EXACT, 0, -5000);  // no reference score yet
+  EXPECT_DOUBLE_EQ(time_manager.factor, 1.0);
   start_manager();
   TimeEvent(EVENT_FIRST_EXACT, 0, 100 - 128);  // half a pawn down
   EXPECT_DOUBLE_EQ(time_manager.factor, 6.0);
-  TimeEvent(EVENT_FIRST_EXACT, 0, 100 - 3 * 256);
-  EXPECT_DOUBLE_EQ(time_manager.factor, 31.0);
   TimeEvent(EVENT_FIRST_EXACT, 0, -5000);
   EXPECT_DOUBLE_EQ(time_manager.factor, 31.0);
   TimeEvent(EVENT_FIRST_EXACT, 0, 400);  // a gain changes nothing
@@ -92,14 +93,7 @@ TEST(TimeEvent, ScoreDropStretchesTheSoftLimit) {
   TimeEvent(EVENT_FIRST_EXACT, 0, 100 - 128);
   TimeEvent(EVENT_ITERATION_END, 0, -28);
   EXPECT_DOUBLE_EQ(time_manager.factor, 1.0);
-  EXPECT_EQ(time_manager.last_score, -28);
   TimeEvent(EVENT_FIRST_EXACT, 0, -28);
-  EXPECT_DOUBLE_EQ(time_manager.factor, 1.0);
-}
-
-TEST(TimeEvent, NoReferenceScoreNoFactor) {
-  time_manager = TimeManager{};
-  TimeEvent(EVENT_FIRST_EXACT, 0, -5000);
   EXPECT_DOUBLE_EQ(time_manager.factor, 1.0);
 }
 
@@ -141,34 +135,32 @@ TEST(TimeEvent, FirstMoveEventsSwitchTheSoftLimit) {
   EXPECT_FALSE(time_manager.unresolved);
 }
 
-TEST(TimeUp, MultipliersByPhase) {
-  start_manager();
-  EXPECT_FALSE(TimeUp(PHASE_ITERATION, 749));
-  EXPECT_TRUE(TimeUp(PHASE_ITERATION, 750));
-  EXPECT_FALSE(TimeUp(PHASE_ROOT_MOVE, 999));
-  EXPECT_TRUE(TimeUp(PHASE_ROOT_MOVE, 1000));
-  EXPECT_FALSE(TimeUp(PHASE_TREE, 1999));
-  EXPECT_TRUE(TimeUp(PHASE_TREE, 2000));
-  time_manager.unresolved = true;
-  EXPECT_FALSE(TimeUp(PHASE_TREE, 3999));
-  EXPECT_TRUE(TimeUp(PHASE_TREE, 4000));
-  EXPECT_FALSE(TimeUp(PHASE_ITERATION, 749));
-}
-
-TEST(TimeUp, ExtraFactorAndMaximum) {
-  start_manager();
-  time_manager.extra = 333;
-  EXPECT_FALSE(TimeUp(PHASE_ITERATION, 998));  // trunc(0.75 * 1333) = 999
-  EXPECT_TRUE(TimeUp(PHASE_ITERATION, 999));
-  time_manager.factor = 6.0;
-  EXPECT_FALSE(TimeUp(PHASE_ROOT_MOVE, 7997));
-  EXPECT_TRUE(TimeUp(PHASE_ROOT_MOVE, 7998));
-  EXPECT_TRUE(TimeUp(PHASE_TREE, 10000));  // the maximum caps everything
-  // Without an active soft limit only the maximum counts.
-  time_manager.factor = 1.0;
-  time_manager.active = false;
-  EXPECT_FALSE(TimeUp(PHASE_ITERATION, 9999));
-  EXPECT_TRUE(TimeUp(PHASE_ITERATION, 10000));
+// The soft limit, (target + extra) x factor x a multiplier by phase (doubled
+// while the root is unresolved), counts while active; the maximum always.
+TEST(TimeUp, FirstMillisecondThatEndsTheSearch) {
+  const struct {
+    int phase;
+    bool unresolved;
+    int extra;
+    double factor;
+    bool active;
+    int first;
+  } cases[] = {
+      {PHASE_ITERATION, false, 0, 1.0, true, 750},   {PHASE_ROOT_MOVE, false, 0, 1.0, true, 1000},
+      {PHASE_TREE, false, 0, 1.0, true, 2000},       {PHASE_TREE, true, 0, 1.0, true, 4000},
+      {PHASE_ITERATION, true, 0, 1.0, true, 750},    {PHASE_ITERATION, false, 333, 1.0, true, 999},
+      {PHASE_ROOT_MOVE, false, 333, 6.0, true, 7998}, {PHASE_TREE, false, 333, 6.0, true, 10000},
+      {PHASE_ITERATION, false, 333, 1.0, false, 10000},
+  };
+  for (const auto& c : cases) {
+    start_manager();
+    time_manager.unresolved = c.unresolved;
+    time_manager.extra = c.extra;
+    time_manager.factor = c.factor;
+    time_manager.active = c.active;
+    EXPECT_FALSE(TimeUp(c.phase, c.first - 1)) << c.phase << " " << c.first;
+    EXPECT_TRUE(TimeUp(c.phase, c.first)) << c.phase << " " << c.first;
+  }
 }
 
 }  // namespace
