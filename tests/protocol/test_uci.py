@@ -130,23 +130,18 @@ class SetOptionCommand(UciTestCase):
         self.assertEqual(self.answer("setoption"), ["option not found: "])
 
     def test_accepted_and_rejected_values_show_in_the_listing(self):
+        # Which values each kind of option refuses: the unit tests (options_test).
         for command in ("setoption name hash value 128MB", "setoption name UCI_Elo value 3000",
                         "setoption name Ponder value TRUE", "setoption name contempt value -300",
-                        "setoption name Time Usage Percent value 49",
-                        "setoption name MultiPV value abc", "setoption name MultiPV value 99999999999999999999",
                         "setoption name UCI_EngineAbout value a   spaced    text",
                         "setoption name Clear Hash", "setoption name Syzygy Path value <empty>",
                         "setoption name UCI_VorlaxenbasesPath value /nonexistent/bases.ini"):
             self.assertEqual(self.answer(command), [], command)
-        listing = self.listing()
-        self.assertIn("option name Hash type spin min 1 max 65536 default 128MB", listing)
-        self.assertIn("option name UCI_Elo type spin min 850 max 2800 default 1400", listing)
-        self.assertIn("option name Ponder type check default false", listing)
-        self.assertIn("option name Contempt type spin min -300 max 300 default -300", listing)
-        self.assertIn("option name Time Usage Percent type spin min 50 max 200 default 100", listing)
-        self.assertIn("option name MultiPV type spin min 1 max 20 default 1", listing)
-        self.assertIn("option name UCI_EngineAbout type string default a spaced text", listing)
-        self.assertEqual(len(listing), len(UCI_LISTING))
+        changed = {2: "option name Hash type spin min 1 max 65536 default 128MB",
+                   17: "option name Contempt type spin min -300 max 300 default -300",
+                   5: "option name UCI_EngineAbout type string default a spaced text",
+                   13: "option name UCI_VorlaxenbasesPath type string default /nonexistent/bases.ini"}
+        self.assertEqual(self.listing(), [changed.get(i, line) for i, line in enumerate(UCI_LISTING)])
 
     def test_a_tablebase_path_is_answered_as_not_supported(self):
         answer = self.answer("setoption name Syzygy Path value /some/tables")

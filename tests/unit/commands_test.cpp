@@ -147,24 +147,16 @@ TEST_F(GoTest, SearchmovesTakesTheRestOfTheLine) {
   EXPECT_TRUE(moves.empty());
 }
 
-TEST(SetOptionCommand, NameAndValueJoinedWithSingleBlanks) {
-  auto parse = [](const std::string& args) {
-    std::istringstream in(args);
-    return ParseSetOption(in);
-  };
-  OptionCommand c = parse("name Time   Buffer (sec) value 5");
-  EXPECT_EQ(c.name, "Time Buffer (sec)");
-  EXPECT_EQ(c.value, "5");
-  c = parse("name Clear Hash");
+// Blank-joined names and values, and unknown names, are checked through the
+// binary; here what the protocol cannot show.
+TEST(SetOptionCommand, NameAndValueSplitAtTheFirstValueWord) {
+  std::istringstream button("name Clear Hash"), odd("whatever Hash value 128 value");
+  const OptionCommand c = ParseSetOption(button);
   EXPECT_EQ(c.name, "Clear Hash");
   EXPECT_EQ(c.value, "");
-  c = parse("name UCI_EngineAbout value a   b  c ");
-  EXPECT_EQ(c.value, "a b c");
-  c = parse("whatever Hash value 128 value");  // the first word is not checked; later "value"s are text
-  EXPECT_EQ(c.name, "Hash");
-  EXPECT_EQ(c.value, "128 value");
-  c = parse("");
-  EXPECT_EQ(c.name, "");
+  const OptionCommand o = ParseSetOption(odd);  // the first word is not checked; later "value"s are text
+  EXPECT_EQ(o.name, "Hash");
+  EXPECT_EQ(o.value, "128 value");
 }
 
 }  // namespace

@@ -120,14 +120,5 @@ TEST(Picker, QuiescenceDropsLosingCapturesAndAddsChecksOnlyAtDepthZero) {
   EXPECT_EQ(std::count(at0.begin(), at0.end(), move_of(pos, "e4f6")), 1);
 }
 
-TEST(Picker, InCheckYieldsTacticalEvasionsFirst) {
-  // The black rook on e2 checks; Kxe2 is illegal (defended by the knight on c3),
-  // Nxe2 and Qxe2 capture, the king may also step aside.
-  const std::vector<Move> moves = Picked(from_fen("4k3/8/8/8/8/2n5/4r3/3QK3 w - - 0 1"), neutral_history, 8, MOVE_NONE);
-  const auto first_quiet = std::find_if(moves.begin(), moves.end(), [](Move m) { return !is_tactical(m); });
-  EXPECT_GE(first_quiet - moves.begin(), 1);
-  EXPECT_TRUE(std::none_of(first_quiet, moves.end(), [](Move m) { return is_tactical(m); }));
-}
-
 }  // namespace
 }  // namespace vx

@@ -23,10 +23,9 @@ using Budget = std::pair<int, int>;
 TEST(AllocateTime, TargetAndMaximum) {
   SearchLimits black_only;  // only the other side's clock given: still a clock, with no time of ours
   black_only.time[BLACK] = 60000;
-  TimeSettings ponder, no_buffer, more, less;
+  TimeSettings ponder, no_buffer, less;
   ponder.ponder = true;
   no_buffer.buffer_sec = 0;
-  more.usage_percent = 150;
   less.usage_percent = 50;
   const struct {
     SearchLimits limits;
@@ -40,12 +39,10 @@ TEST(AllocateTime, TargetAndMaximum) {
       {clock_limits(500), test::START_FEN, {}, {10, 20}},                // below the buffer: the floors
       {black_only, test::START_FEN, {}, {10, 20}},
       {clock_limits(300000, 0, 40), test::START_FEN, {}, {5695, 71190}},
-      {clock_limits(60000, 0, 100), test::START_FEN, {}, {907, 11340}},  // at most 50 moves planned
-      {clock_limits(10000, 0, 1), test::START_FEN, {}, {2400, 5850}},    // one move left: 65% of the clock
       {clock_limits(60000), KINGS_ONLY, {}, {1557, 19470}},              // less material, more time
+      // The Ponder, Time Buffer and Time Usage Percent options.
       {clock_limits(60000), test::START_FEN, ponder, {1297, 19470}},
       {clock_limits(60000), test::START_FEN, no_buffer, {1056, 19800}},
-      {clock_limits(60000), test::START_FEN, more, {1557, 19470}},
       {clock_limits(60000), test::START_FEN, less, {519, 19470}},
   };
   for (const auto& c : cases) {
@@ -97,46 +94,33 @@ TEST(TimeEvent, ScoreDropStretchesTheSoftLimit) {
   EXPECT_DOUBLE_EQ(time_manager.factor, 1.0);
 }
 
-TEST(TimeEvent, UnsettledRootAddsTimeHalvedEachIteration) {
+// A new best move, a re-search or a first-move fail low adds time (elapsed /
+// events this iteration, at most the target); each iteration end halves it.
+// A fail low switches the soft limit off until the first move is resolved.
+TEST(TimeEvent, UnsettledRootAddsTime) {
   start_manager();
   TimeEvent(EVENT_NEW_BEST, 3000, 100);  // min(3000 / 1, 1000)
-  EXPECT_EQ(time_manager.count, 1);
-  EXPECT_EQ(time_manager.extra, 1000);
   TimeEvent(EVENT_RESEARCH, 1501, 100);  // 1501 / 2
   EXPECT_TRUE(time_manager.unresolved);
-  EXPECT_EQ(time_manager.extra, 1750);
   TimeEvent(EVENT_NOT_CONFIRMED, 1600, 100);
   EXPECT_FALSE(time_manager.unresolved);
-  EXPECT_EQ(time_manager.extra, 1750);
   TimeEvent(EVENT_FIRST_FAIL_LOW, 1800, 100);  // 1800 / 3
   EXPECT_FALSE(time_manager.active);
-  EXPECT_EQ(time_manager.extra, 2350);
-  EXPECT_EQ(time_manager.count, 3);
+  EXPECT_EQ(time_manager.extra, 1000 + 750 + 600);
   TimeEvent(EVENT_ITERATION_END, 2000, 100);
   EXPECT_EQ(time_manager.extra, 1175);
   EXPECT_EQ(time_manager.count, 0);
   EXPECT_TRUE(time_manager.active);
-}
-
-TEST(TimeEvent, FirstMoveEventsSwitchTheSoftLimit) {
-  start_manager();
-  TimeEvent(EVENT_FIRST_FAIL_LOW, 10, 100);
-  EXPECT_FALSE(time_manager.active);
-  TimeEvent(EVENT_FIRST_FAIL_HIGH, 10, 100);
-  EXPECT_TRUE(time_manager.active);
-  TimeEvent(EVENT_FIRST_FAIL_LOW, 10, 100);
-  TimeEvent(EVENT_FIRST_EXACT, 10, 100);
-  EXPECT_TRUE(time_manager.active);
-  TimeEvent(EVENT_FIRST_FAIL_LOW, 10, 100);
-  TimeEvent(EVENT_NEW_BEST, 10, 100);
-  EXPECT_TRUE(time_manager.active);
+  for (int resolving : {EVENT_FIRST_FAIL_HIGH, EVENT_FIRST_EXACT, EVENT_NEW_BEST}) {
+    TimeEvent(EVENT_FIRST_FAIL_LOW, 10, 100);
+    TimeEvent(resolving, 10, 100);
+    EXPECT_TRUE(time_manager.active) << resolving;
+  }
   TimeEvent(EVENT_RESEARCH, 10, 100);
   TimeEvent(EVENT_NEW_BEST, 10, 100);
   EXPECT_FALSE(time_manager.unresolved);
 }
 
-// The soft limit, (target + extra) x factor x a multiplier by phase (doubled
-// while the root is unresolved), counts while active; the maximum always.
 TEST(TimeUp, FirstMillisecondThatEndsTheSearch) {
   const struct {
     int phase;
@@ -146,10 +130,13 @@ TEST(TimeUp, FirstMillisecondThatEndsTheSearch) {
     bool active;
     int first;
   } cases[] = {
-      {PHASE_ITERATION, false, 0, 1.0, true, 750},   {PHASE_ROOT_MOVE, false, 0, 1.0, true, 1000},
-      {PHASE_TREE, false, 0, 1.0, true, 2000},       {PHASE_TREE, true, 0, 1.0, true, 4000},
-      {PHASE_ITERATION, true, 0, 1.0, true, 750},    {PHASE_ITERATION, false, 333, 1.0, true, 999},
-      {PHASE_ROOT_MOVE, false, 333, 6.0, true, 7998}, {PHASE_TREE, false, 333, 6.0, true, 10000},
+      {PHASE_ITERATION, false, 0, 1.0, true, 750},
+      {PHASE_ROOT_MOVE, false, 0, 1.0, true, 1000},
+      {PHASE_TREE, false, 0, 1.0, true, 2000},
+      {PHASE_TREE, true, 0, 1.0, true, 4000},
+      {PHASE_ITERATION, true, 0, 1.0, true, 750},
+      {PHASE_ROOT_MOVE, false, 333, 6.0, true, 7998},  // trunc(6 x 1333)
+      {PHASE_TREE, false, 333, 6.0, true, 10000},      // the maximum caps everything
       {PHASE_ITERATION, false, 333, 1.0, false, 10000},
   };
   for (const auto& c : cases) {
