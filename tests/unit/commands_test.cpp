@@ -22,33 +22,28 @@ struct CommandsTest : ::testing::Test, test::EngineFixture {
   Move M(const std::string& text) const { return test::move_of(position, text); }
 };
 
-TEST_F(CommandsTest, StartposWithMovesRemembersTheLastTwo) {
-  ASSERT_TRUE(Position("startpos moves e2e4 e7e5"));
-  EXPECT_TRUE(game.position_valid);
-  EXPECT_EQ(move_text(game.previous), "e2e4");
-  EXPECT_EQ(move_text(game.last), "e7e5");
-  EXPECT_EQ(position.side_to_move, WHITE);
-  EXPECT_EQ(position.piece_on(SQ_E5), B_PAWN);
-
-  ASSERT_TRUE(Position("startpos"));
-  EXPECT_EQ(game.previous, MOVE_NONE);
-  EXPECT_EQ(game.last, MOVE_NONE);
-  EXPECT_EQ(position.piece_on(SQ_E2), W_PAWN);
-}
-
-TEST_F(CommandsTest, UnmatchedMoveTokensAreSkipped) {
-  ASSERT_TRUE(Position("startpos moves e2e5 e2e4 E7E5 e7e5x c7c5"));
-  EXPECT_EQ(move_text(game.previous), "e2e4");
-  EXPECT_EQ(move_text(game.last), "c7c5");
-  EXPECT_EQ(position.piece_on(SQ_E7), B_PAWN);
-}
-
-TEST_F(CommandsTest, FenWithMoves) {
-  ASSERT_TRUE(Position("fen 4k3/8/8/8/8/8/4P3/4K3 w - - 0 1 moves e2e4 e8d7"));
-  EXPECT_EQ(move_text(game.last), "e8d7");
-  EXPECT_EQ(position.piece_on(SQ_E4), W_PAWN);
-  ASSERT_TRUE(Position("fen 4k3/8/8/8/8/8/4P3/4K3 b - -"));  // four fields are enough
-  EXPECT_EQ(position.side_to_move, BLACK);
+// The position reached and the last two moves played; move tokens that match
+// no legal move are skipped.
+TEST_F(CommandsTest, PositionWithMovesRemembersTheLastTwo) {
+  const struct {
+    const char* args;
+    const char* fen;
+    const char *previous, *last;
+  } cases[] = {
+      {"startpos moves e2e4 e7e5", "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq - 0 2", "e2e4", "e7e5"},
+      {"startpos", test::START_FEN, "", ""},
+      {"startpos moves e2e5 e2e4 E7E5 e7e5x c7c5",
+       "rnbqkbnr/pp1ppppp/8/2p5/4P3/8/PPPP1PPP/RNBQKBNR w KQkq - 0 2", "e2e4", "c7c5"},
+      {"fen 4k3/8/8/8/8/8/4P3/4K3 w - - 0 1 moves e2e4 e8d7", "8/3k4/8/8/4P3/8/8/4K3 w - - 0 2", "e2e4", "e8d7"},
+      {"fen 4k3/8/8/8/8/8/4P3/4K3 b - -", "4k3/8/8/8/8/8/4P3/4K3 b - - 0 1", "", ""},  // four fields are enough
+  };
+  for (const auto& c : cases) {
+    ASSERT_TRUE(Position(c.args)) << c.args;
+    EXPECT_TRUE(game.position_valid);
+    EXPECT_EQ(position.state->key, test::from_fen(c.fen).state->key) << c.args;
+    EXPECT_EQ(game.previous ? move_text(game.previous) : "", c.previous) << c.args;
+    EXPECT_EQ(game.last ? move_text(game.last) : "", c.last) << c.args;
+  }
 }
 
 // The protocol tests drive the same cases through the binary; here the

@@ -37,21 +37,8 @@ TEST(ScoreText, CentipawnsMatesAndTablebaseScores) {
 }
 
 TEST(PvLine, AllFieldsInOrder) {
-  PvRecord r;
-  r.multipv = 2;
-  r.depth = 49;
-  r.seldepth = 19;
-  r.time = 1532;
-  r.score = 80;
-  r.bound = PV_LOWER_BOUND;
-  r.nodes = 2054321;
-  r.tbhits = 7;
-  r.sbhits = 3;
-  r.hashfull = 87;
-  r.pv[0] = E2E4;
-  r.pv[1] = E7E5;
-  r.pv[2] = G1F3;
-  r.pv_length = 3;
+  PvRecord r{.multipv = 2, .depth = 49, .seldepth = 19, .time = 1532, .score = 80, .bound = PV_LOWER_BOUND,
+             .nodes = 2054321, .tbhits = 7, .sbhits = 3, .hashfull = 87, .pv_length = 3, .pv = {E2E4, E7E5, G1F3}};
   EXPECT_EQ(PvLineText(r),
             "info multipv 2 depth 12 seldepth 19 time 1532 score cp 31 lowerbound nodes 2054321 nps 1340940 "
             "tbhits 7 sbhits 3 hashfull 87 pv e2e4 e7e5 g1f3");
@@ -60,13 +47,8 @@ TEST(PvLine, AllFieldsInOrder) {
 }
 
 TEST(PvLine, OptionalFieldsLeftOut) {
-  PvRecord r;
-  r.depth = 8;
-  r.seldepth = 1;  // below the depth: the depth is reported
-  r.score = -32498;
-  r.nodes = 40;
-  r.pv[0] = E2E4;
-  r.pv_length = 1;
+  // seldepth below the depth reports the depth; no nps at time 0, no zero hit counts.
+  PvRecord r{.depth = 8, .seldepth = 1, .score = -32498, .nodes = 40, .pv_length = 1, .pv = {E2E4}};
   EXPECT_EQ(PvLineText(r), "info depth 2 seldepth 2 time 0 score mate -1 nodes 40 hashfull 0 pv e2e4");
   r.pv_length = 0;
   EXPECT_EQ(PvLineText(r), "info depth 2 seldepth 2 time 0 score mate -1 nodes 40 hashfull 0 pv");
