@@ -101,48 +101,39 @@ TEST(MoveGen, PseudoLegalAgreesWithTheGeneratorsOnRandomWords) {
   EXPECT_GT(checks, 20);
 }
 
-// GivesCheck agrees with making the move and testing the enemy king.
-TEST(MoveGen, GivesCheckAgreesWithMakingTheMove) {
-  test::random_walks({test::KIWIPETE, "4r3/3k4/8/8/8/8/6PP/qR1K1R2 w FB - 0 1", test::ROOK_ENDING, test::PROMOTIONS},
-                     20, 60, 3, [](const Position& pos, const MoveList& list) {
-                       AttackInfo ai;
-                       ComputeAttackInfo(pos, ai);
-                       for (Move m : list) {
-                         const bool predicted = pos.side_to_move == WHITE ? GivesCheck<WHITE>(pos, m, ai)
-                                                                          : GivesCheck<BLACK>(pos, m, ai);
-                         Position after = pos;
-                         after.ApplyGameMove(m);
-                         ASSERT_EQ(predicted, InCheck(after)) << move_text(m);
-                       }
-                     });
-}
-
-// Quiet checks: exactly the non-capturing, non-promoting legal moves that
+// GivesCheck agrees with making the move and testing the enemy king, and the
+// quiet checks are exactly the non-capturing, non-promoting legal moves that
 // give check, except castling and the double push of a pawn that shields the
 // enemy king (a discovering pawn moves by single pushes only).
-TEST(MoveGen, QuietChecksAreExactlyTheCheckingQuietMoves) {
-  test::random_walks({test::START_FEN, test::KIWIPETE}, 30, 60, 11, [](const Position& pos, const MoveList& list) {
-    if (InCheck(pos)) return;
-    AttackInfo ai;
-    ComputeAttackInfo(pos, ai);
-    MoveEntry buf[MAX_MOVES];
-    const bool white = pos.side_to_move == WHITE;
-    MoveEntry* end = white ? GenerateQuietChecks<WHITE>(pos, ai, neutral_history, buf)
-                           : GenerateQuietChecks<BLACK>(pos, ai, neutral_history, buf);
-    std::multiset<Move> got, want;
-    for (MoveEntry* e = buf; e != end; ++e)
-      if (white ? IsLegal<WHITE>(pos, Move(*e), ai) : IsLegal<BLACK>(pos, Move(*e), ai)) got.insert(Move(*e));
-    const Color us = pos.side_to_move;
-    const Bitboard shields = pos.of(us, PAWN) & (white ? ai.black_king_blockers : ai.white_king_blockers);
-    for (Move m : list) {
-      const bool shield_double_push = (shields & sq_bb(from_sq(m))) && distance(from_sq(m), to_sq(m)) == 2;
-      if (is_tactical(m) || is_castling(m) || shield_double_push) continue;
-      Position after = pos;
-      after.ApplyGameMove(m);
-      if (InCheck(after)) want.insert(m);
-    }
-    ASSERT_EQ(got, want);
-  });
+template <Color Us>
+void check_checks(const Position& pos, const MoveList& list) {
+  AttackInfo ai;
+  ComputeAttackInfo(pos, ai);
+  const Bitboard shields = pos.of(Us, PAWN) & (Us == WHITE ? ai.black_king_blockers : ai.white_king_blockers);
+  std::multiset<Move> quiet_checks;
+  for (Move m : list) {
+    Position after = pos;
+    after.ApplyGameMove(m);
+    ASSERT_EQ(GivesCheck<Us>(pos, m, ai), InCheck(after)) << move_text(m);
+    const bool shield_double_push = (shields & sq_bb(from_sq(m))) && distance(from_sq(m), to_sq(m)) == 2;
+    if (InCheck(after) && !is_tactical(m) && !is_castling(m) && !shield_double_push) quiet_checks.insert(m);
+  }
+  if (InCheck(pos)) return;
+  MoveEntry buf[MAX_MOVES];
+  MoveEntry* const end = GenerateQuietChecks<Us>(pos, ai, neutral_history, buf);
+  std::multiset<Move> generated;
+  for (MoveEntry* e = buf; e != end; ++e)
+    if (IsLegal<Us>(pos, Move(*e), ai)) generated.insert(Move(*e));
+  ASSERT_EQ(generated, quiet_checks);
+}
+
+TEST(MoveGen, CheckPredicatesAgreeWithMakingTheMove) {
+  test::random_walks({test::START_FEN, test::KIWIPETE, "4r3/3k4/8/8/8/8/6PP/qR1K1R2 w FB - 0 1", test::ROOK_ENDING,
+                      test::PROMOTIONS},
+                     20, 60, 3, [](const Position& pos, const MoveList& list) {
+                       if (pos.side_to_move == WHITE) check_checks<WHITE>(pos, list);
+                       else check_checks<BLACK>(pos, list);
+                     });
 }
 
 }  // namespace

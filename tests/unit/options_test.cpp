@@ -76,17 +76,14 @@ TEST_F(OptionsTest, SpinStoresTheTextItReceivedAndHandlerReadsItsNumber) {
   EXPECT_EQ(OptionInt("Time Buffer (sec)"), 7);
 }
 
-TEST_F(OptionsTest, HashHandlerClearsTheTableEvenForTheSameSize) {
+// "Hash" clears the table even for the same size, "Clear Hash" the table and the history.
+TEST_F(OptionsTest, HandlersClearTheTables) {
   StoreOne(tt);
-  ASSERT_TRUE(HasEntry(tt));
   SetOption("Hash", "0");  // rejected: no handler
   EXPECT_TRUE(HasEntry(tt));
   SetOption("Hash", "1");  // the current size
   EXPECT_EQ(tt.cluster_count(), 1024u * 1024 / sizeof(TTCluster));
   EXPECT_FALSE(HasEntry(tt));
-}
-
-TEST_F(OptionsTest, ClearHashButtonClearsTableAndHistory) {
   StoreOne(tt);
   (*state->history)[W_KNIGHT][SQ_F3] = 2000;
   (*state->history)[B_PAWN][SQ_E5] = 3;
@@ -103,9 +100,6 @@ TEST_F(OptionsTest, HandlerSeesTheNewValue) {
   o.SetValue("11");
   o.SetValue("7x");
   EXPECT_EQ(seen, (std::vector<std::string>{"5", "7x"}));
-  UCI::Option b = UCI::Option::Button("Press", [&](const UCI::Option&) { seen.push_back("pressed"); });
-  b.SetValue("");
-  EXPECT_EQ(seen.back(), "pressed");
 }
 
 TEST(ParseInteger, ReadsLikeTheStandardConversion) {
