@@ -73,23 +73,14 @@ TEST_F(GoTest, EveryLimitIsRead) {
                "ponder infinite"),
             "");
   const SearchLimits& l = state->limits;
-  EXPECT_EQ(l.time[WHITE], 1000);
-  EXPECT_EQ(l.time[BLACK], 2000);
-  EXPECT_EQ(l.inc[WHITE], 10);
-  EXPECT_EQ(l.inc[BLACK], -20);
-  EXPECT_EQ(l.movestogo, 30);
-  EXPECT_EQ(l.nodes, 123456789012);
-  EXPECT_EQ(l.movetime, 7);
-  EXPECT_EQ(l.mate, 3);
-  EXPECT_EQ(l.depth, 9);
-  EXPECT_TRUE(l.ponder && l.infinite);
+  auto read = [&] {
+    return std::vector<int64_t>{l.time[WHITE], l.time[BLACK], l.inc[WHITE], l.inc[BLACK], l.movestogo, l.nodes,
+                                l.movetime, l.mate, l.depth, l.ponder, l.infinite};
+  };
+  EXPECT_EQ(read(), (std::vector<int64_t>{1000, 2000, 10, -20, 30, 123456789012, 7, 3, 9, 1, 1}));
   EXPECT_EQ(moves.size(), 20u);
-
   Go("");  // every "go" starts from the defaults
-  EXPECT_EQ(l.time[WHITE], -1);
-  EXPECT_EQ(l.depth, 100);
-  EXPECT_FALSE(l.ponder || l.infinite);
-  EXPECT_EQ(l.nodes, 0);
+  EXPECT_EQ(read(), (std::vector<int64_t>{-1, -1, 0, 0, 0, 0, 0, 0, 100, 0, 0}));
 }
 
 TEST_F(GoTest, UnknownTokensAreReportedAndSkipped) {

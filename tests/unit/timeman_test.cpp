@@ -58,12 +58,10 @@ TEST(AllocateTime, ResetsTheEventState) {
   TimeEvent(EVENT_ITERATION_END, 100, 50);
   TimeEvent(EVENT_RESEARCH, 300, 50);
   AllocateTime(clock_limits(60000), WHITE, start, {});
-  EXPECT_EQ(time_manager.factor, 1.0);
-  EXPECT_EQ(time_manager.extra, 0);
-  EXPECT_EQ(time_manager.count, 0);
-  EXPECT_EQ(time_manager.last_score, VALUE_INFINITE);
-  EXPECT_FALSE(time_manager.active);
-  EXPECT_FALSE(time_manager.unresolved);
+  const TimeManager& t = time_manager;
+  EXPECT_EQ(std::vector<double>({t.factor, double(t.extra), double(t.count), double(t.last_score),
+                                 double(t.active), double(t.unresolved)}),
+            std::vector<double>({1.0, 0, 0, VALUE_INFINITE, 0, 0}));
 }
 
 // A manager with target 1000 and maximum 10000, active after one iteration
