@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -76,18 +75,8 @@ inline std::string file_mirror(const std::string& fen) {
 
 // FEN of every position along random games from the start position.
 inline std::vector<std::string> random_game_fens(int games, int max_plies, unsigned seed) {
-  std::mt19937 rng(seed);
   std::vector<std::string> out;
-  for (int g = 0; g < games; ++g) {
-    Position pos = startpos();
-    for (int ply = 0; ply < max_plies; ++ply) {
-      MoveList list;
-      GenerateLegal(pos, list);
-      if (list.size == 0 || pos.state->rule50 >= 100) break;
-      pos.ApplyGameMove(list.moves[rng() % list.size]);
-      out.push_back(fen_of(pos));
-    }
-  }
+  random_walks({START_FEN}, games, max_plies, seed, [&](const Position& pos, const MoveList&) { out.push_back(fen_of(pos)); });
   return out;
 }
 

@@ -1,5 +1,5 @@
-// Engine options: name matching, value validation, the stored text and the
-// on-change handlers.
+// Engine options: value validation, the stored text and the on-change
+// handlers.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -55,7 +55,7 @@ inline Bitboard squares(std::initializer_list<Square> list) {
 
 // Calls visit(pos, legal_moves) on every position along `games` random games
 // of up to `plies` plies from each start, the start itself included; stops at
-// the first fatal failure.
+// the first fatal failure. The seed must not be 0.
 template <class Visit>
 void random_walks(std::initializer_list<const char*> starts, int games, int plies, uint64_t seed, Visit visit) {
   for (const char* fen : starts)
