@@ -8,7 +8,7 @@
 namespace vx {
 namespace {
 
-using test::EvalFixture;
+using test::EvalTest;
 
 TEST(EvalFinish, WorkedExample) {
   EXPECT_EQ(blend_phases(make_pair(100, 50), 64), 75);
@@ -27,11 +27,6 @@ TEST(EvalFinish, ComplexityNeverFlipsTheSign) {
   EXPECT_EQ(apply_few_files(-300, 35), -300 + 70);
   EXPECT_EQ(apply_few_files(0, 35), 0);
 }
-
-class EvalTest : public ::testing::Test, public EvalFixture {
- protected:
-  void SetUp() override { test::init(); }
-};
 
 TEST_F(EvalTest, ContemptIsAddedForWhite) {
   const Position pos = test::startpos();

@@ -8,10 +8,7 @@
 namespace vx {
 namespace {
 
-class EndgameTest : public ::testing::Test, public test::EvalFixture {
- protected:
-  void SetUp() override { test::init(); }
-};
+using EndgameTest = test::EvalTest;
 
 TEST(Kpk, BitbaseCountsAndKnownVerdicts) {
   test::init();

@@ -9,10 +9,7 @@
 namespace vx {
 namespace {
 
-class EvalTermsTest : public ::testing::Test, public test::EvalFixture {
- protected:
-  void SetUp() override { test::init(); }
-};
+using EvalTermsTest = test::EvalTest;
 
 // The accumulated curve: zero up to index 4, its first step, a middle value and the end.
 TEST(KingSafetyTables, DangerCurve) {

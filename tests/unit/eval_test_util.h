@@ -17,6 +17,7 @@
 namespace vx::test {
 
 struct EvalFixture {
+  bool tables_ready = (init(), true);
   SearchState ss{0, nullptr, nullptr};
 
   template <bool Hw = false>
@@ -30,6 +31,8 @@ struct EvalFixture {
     return evaluate_trace(ss, pos, ai, t);
   }
 };
+
+struct EvalTest : ::testing::Test, EvalFixture {};
 
 inline std::vector<std::string> split_fen(const std::string& fen, char separator = ' ') {
   std::vector<std::string> parts;
