@@ -25,11 +25,6 @@ struct TTFixture : ::testing::Test {
   const TTEntry& slot(uint64_t index, int i) const { return tt.clusters()[index].entry[i]; }
 };
 
-bool all_zero(const TTEntry& e) {
-  TTEntry zero{};
-  return std::memcmp(&e, &zero, sizeof e) == 0;
-}
-
 // Sizes round down to a power of two of clusters; a size change that keeps
 // the cluster count keeps the memory and its contents.
 TEST(TranspositionTableSize, RoundsDownToPowerOfTwoClusters) {
@@ -83,7 +78,11 @@ TEST(TranspositionTableSize, AddressSpaceLimitIsRespected) {
 }
 
 TEST_F(TTFixture, EmptyTableProbesAsAllZero) {
-  for (Key key : {Key(0x100000001ULL), Key(0xFFFFFFFF00000000ULL), Key(0xDEADBEEF12345678ULL)}) EXPECT_TRUE(all_zero(tt.probe(key)));
+  const TTEntry zero{};
+  for (Key key : {Key(0x100000001ULL), Key(0xFFFFFFFF00000000ULL), Key(0xDEADBEEF12345678ULL)}) {
+    const TTEntry e = tt.probe(key);
+    EXPECT_EQ(std::memcmp(&e, &zero, sizeof e), 0) << key;
+  }
 }
 
 // Stores into one slot, the last one a search later: how the two bounds,
