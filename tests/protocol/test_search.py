@@ -99,10 +99,6 @@ class Scores(SearchTestCase):
             _, best, ponder = self.go("position fen " + fen, go)
             self.assertEqual((best, ponder), ("0000", None), fen)
 
-    def test_single_legal_move_is_played(self):
-        _, best, _ = self.go("position fen 7k/8/8/8/8/8/6q1/7K w - - 0 1", "go depth 6")
-        self.assertEqual(best, "h1g2")
-
 
 class TimeLimits(SearchTestCase):
     def test_movetime_ends_the_search_near_its_time(self):
@@ -158,7 +154,7 @@ class MultiPv(SearchTestCase):
         self.assertEqual([s[0] for s in scores], ["cp"] * 3)
         self.assertEqual(sorted((s[1] for s in scores), reverse=True), [s[1] for s in scores])
 
-    def test_more_lines_than_moves(self):
+    def test_more_lines_than_moves_and_the_single_legal_move_is_played(self):
         self.engine.send("setoption name MultiPV value 3")
         lines, best, _ = self.go("position fen 7k/8/8/8/8/8/6q1/7K w - - 0 1", "go depth 3")
         self.assertEqual(best, "h1g2")

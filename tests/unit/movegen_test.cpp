@@ -32,11 +32,8 @@ TEST(MoveGen, PromotionSets) {
   EXPECT_EQ(promotion_type(test::move_of(light, "h7h8b")), BISHOP_D);
 }
 
-TEST(MoveGen, MoveTextAndEncoding) {
-  EXPECT_EQ(move_text(Move(0x6000 | (60 << 6) | 52)), "e7e8q");
-  EXPECT_EQ(move_text(MOVE_NULL), "0000");
-  EXPECT_EQ(move_text(make_move(SQ_E2, SQ_E4)), "e2e4");
-}
+// Move text of an ordinary move and "0000" are checked through every move token and the protocol tests.
+TEST(MoveGen, PromotionEncoding) { EXPECT_EQ(move_text(Move(0x6000 | (60 << 6) | 52)), "e7e8q"); }
 
 // Castling, en passant and their pins: whether a move text names a legal move.
 TEST(MoveGen, SpecialMovesAcceptedOrRefused) {
