@@ -11,22 +11,19 @@
 namespace vx {
 namespace {
 
-struct BenchPositions {
-  std::vector<Position> positions;
-  BenchPositions() {
-    for (const auto& fen : test::random_game_fens(8, 60, 2024)) positions.push_back(test::from_fen(fen));
-  }
-};
-
-const BenchPositions& bench_positions() {
-  static BenchPositions p;
-  return p;
+const std::vector<Position>& bench_positions() {
+  static const std::vector<Position> positions = [] {
+    std::vector<Position> v;
+    for (const auto& fen : test::random_game_fens(8, 60, 2024)) v.push_back(test::from_fen(fen));
+    return v;
+  }();
+  return positions;
 }
 
 // Table hits: every position is evaluated once before timing starts.
 template <bool Hw>
 void BM_EvaluateHit(benchmark::State& state) {
-  const auto& set = bench_positions().positions;
+  const auto& set = bench_positions();
   test::EvalFixture f;
   for (const auto& pos : set) f.eval<Hw>(pos);
   size_t i = 0;
@@ -39,7 +36,7 @@ void BM_EvaluateHit(benchmark::State& state) {
 // Table misses: the material and pawn slots are invalidated before each call.
 template <bool Hw>
 void BM_EvaluateMiss(benchmark::State& state) {
-  const auto& set = bench_positions().positions;
+  const auto& set = bench_positions();
   test::EvalFixture f;
   size_t i = 0;
   for (auto _ : state) {

@@ -34,11 +34,8 @@ class DevBench(unittest.TestCase):
         a, b = per_position(hw.stdout), per_position(portable.stdout)
         self.assertEqual(len(a), 35)
         self.assertEqual(a, b)
-        total = [l for l in hw.stdout.splitlines() if l.startswith("Nodes searched")]
-        self.assertEqual(total, [l for l in portable.stdout.splitlines() if l.startswith("Nodes searched")])
-
-    def test_summary_lines(self):
-        lines = bench("-9").stdout.splitlines()
+        lines = hw.stdout.splitlines()
+        self.assertEqual(lines[-2], portable.stdout.splitlines()[-2])
         self.assertEqual(lines[-4], "")
         self.assertRegex(lines[-3], r"^Total time \(ms\) : \d+$")
         self.assertRegex(lines[-2], r"^Nodes searched  : \d+$")

@@ -16,7 +16,10 @@ class DevPerft(unittest.TestCase):
         self.assertEqual(r.returncode, 0, r.stderr)
         lines = r.stdout.splitlines()
         self.assertEqual(len(lines), 22)
-        self.assertEqual(lines[0].split(": ")[0], "b1a3")  # generation order: pieces before pawns
+        # Generation order: pieces before pawns, which go file by file.
+        self.assertEqual([l.split(": ")[0] for l in lines[:20]],
+                         "b1a3 b1c3 g1f3 g1h3 a2a3 a2a4 b2b3 b2b4 c2c3 c2c4 d2d3 d2d4 e2e3 e2e4 f2f3 f2f4 g2g3 g2g4 "
+                         "h2h3 h2h4".split())
         self.assertEqual(sum(int(l.split(": ")[1]) for l in lines[:20]), 8902)
         self.assertEqual(lines[20], "nodes 8902")
         self.assertRegex(lines[21], r"^time_ms \d+$")

@@ -66,13 +66,6 @@ class FixedDepth(SearchTestCase):
                                r"(nps \d+ )?hashfull \d+ pv( [a-h][1-8][a-h][1-8][nbrq]?)+$")
         self.assertEqual(last.split(" pv ")[1].split()[0], best)
 
-    def test_unknown_go_token_is_reported_and_the_search_still_runs(self):
-        self.engine.send("position startpos")
-        self.engine.send("go depth 5 foo")
-        lines = self.engine.read_until(is_bestmove)
-        self.assertEqual(lines[0], "illegal go token foo")
-        self.assertIn("info depth 5 seldepth 5", lines)
-
     def test_searchmoves_restricts_the_root(self):
         lines, best, _ = self.go("position startpos", "go depth 5 searchmoves e2e4 d2d4")
         self.assertIn(best, ("e2e4", "d2d4"))
@@ -100,18 +93,11 @@ class Scores(SearchTestCase):
         lines, _, _ = self.go("position fen 7k/p7/5KQ1/8/8/8/8/8 b - - 0 1", "go depth 4")
         self.assertEqual(score_of(pv_lines(lines)[-1]), ("mate", -1))
 
-    def test_stalemated_root_answers_the_null_move(self):
-        lines, best, ponder = self.go("position fen 7k/5Q2/6K1/8/8/8/8/8 b - - 0 1", "go depth 5")
-        self.assertEqual(best, "0000")
-        self.assertIsNone(ponder)
-
-    def test_checkmated_root_answers_the_null_move(self):
-        _, best, _ = self.go("position fen 7k/6Q1/6K1/8/8/8/8/8 b - - 0 1", "go movetime 200")
-        self.assertEqual(best, "0000")
-
-    def test_single_legal_move_is_played(self):
-        _, best, _ = self.go("position fen 7k/8/8/8/8/8/6q1/7K w - - 0 1", "go depth 6")
-        self.assertEqual(best, "h1g2")
+    def test_root_without_a_legal_move_answers_the_null_move(self):
+        for fen, go in (("7k/5Q2/6K1/8/8/8/8/8 b - - 0 1", "go depth 5"),  # stalemate
+                        ("7k/6Q1/6K1/8/8/8/8/8 b - - 0 1", "go movetime 200")):  # checkmate
+            _, best, ponder = self.go("position fen " + fen, go)
+            self.assertEqual((best, ponder), ("0000", None), fen)
 
 
 class TimeLimits(SearchTestCase):
@@ -126,14 +112,6 @@ class TimeLimits(SearchTestCase):
         self.assertLess(time.monotonic() - start, 1.5)
         self.assertRegex(best, UCI_MOVE)
 
-    def test_clock_for_black(self):
-        _, best, _ = self.go("position startpos moves e2e4", "go wtime 1000 btime 1000 winc 10 binc 10")
-        self.assertRegex(best, UCI_MOVE)
-
-    def test_a_limit_hit_before_any_line_still_plays_a_legal_move(self):
-        _, best, _ = self.go("position startpos", "go nodes 1")
-        self.assertRegex(best, UCI_MOVE)
-
     def test_node_limit(self):
         lines, _, _ = self.go("position startpos", "go nodes 30000")
         nodes = [int(re.search(r" nodes (\d+)", l).group(1)) for l in lines if " nodes " in l]
@@ -141,18 +119,7 @@ class TimeLimits(SearchTestCase):
 
 
 class CommandsDuringSearch(SearchTestCase):
-    def test_infinite_waits_for_stop_and_answers_isready_meanwhile(self):
-        self.engine.send("position startpos")
-        self.engine.send("go infinite")
-        time.sleep(0.3)
-        self.engine.send("isready")
-        lines = self.engine.read_until("readyok", 3.0)
-        self.assertFalse(any(is_bestmove(l) for l in lines))
-        self.engine.send("stop")
-        lines = self.engine.read_until(is_bestmove, 3.0)
-        self.assertRegex(lines[-1].split()[1], UCI_MOVE)
-        self.assert_single_bestmove()
-
+    # isready, stop, quit and ponderhit of finished searches: test_uci.DuringSearch.
     def test_infinite_with_a_depth_still_waits_for_stop(self):
         self.engine.send("position startpos")
         self.engine.send("go infinite depth 2")
@@ -173,27 +140,6 @@ class CommandsDuringSearch(SearchTestCase):
         self.assertRegex(lines[-1].split()[1], UCI_MOVE)
         self.assert_single_bestmove()
 
-    def test_ponder_search_that_ends_waits_for_ponderhit(self):
-        self.engine.send("position startpos")
-        self.engine.send("go ponder depth 2")
-        self.engine.read_until("info depth 2 seldepth 2", 3.0)
-        self.engine.read_until(lambda l: l.startswith("info time"), 3.0)
-        self.assertTrue(self.engine.no_output(0.5))
-        self.engine.send("ponderhit")
-        self.engine.read_until(is_bestmove, 3.0)
-
-    def test_quit_during_a_search(self):
-        self.engine.send("position startpos")
-        self.engine.send("go infinite")
-        time.sleep(0.3)
-        self.engine.send("quit")
-        self.assertEqual(self.engine.wait(5.0), 0)
-
-    def test_stop_without_search_does_nothing(self):
-        self.engine.send("stop")
-        self.assertEqual(self.engine.sync(), [])
-
-
 class MultiPv(SearchTestCase):
     def test_three_lines_numbered_from_one(self):
         self.engine.send("setoption name MultiPV value 3")
@@ -204,8 +150,11 @@ class MultiPv(SearchTestCase):
         firsts = [l.split(" pv ")[1].split()[0] for l in last_iteration[-3:]]
         self.assertEqual(len(set(firsts)), 3)
         self.assertEqual(firsts[0], best)
+        scores = [score_of(l) for l in last_iteration[-3:]]
+        self.assertEqual([s[0] for s in scores], ["cp"] * 3)
+        self.assertEqual(sorted((s[1] for s in scores), reverse=True), [s[1] for s in scores])
 
-    def test_more_lines_than_moves(self):
+    def test_more_lines_than_moves_and_the_single_legal_move_is_played(self):
         self.engine.send("setoption name MultiPV value 3")
         lines, best, _ = self.go("position fen 7k/8/8/8/8/8/6q1/7K w - - 0 1", "go depth 3")
         self.assertEqual(best, "h1g2")
@@ -228,18 +177,13 @@ class Bench(unittest.TestCase):
         self.assertEqual(sum(1 for l in lines if is_bestmove(l)), 35)
         self.assertEqual(lines[-4], "")
         self.assertRegex(lines[-3], r"^Total time \(ms\) : \d+$")
-        self.assertRegex(lines[-2], r"^Nodes searched  : \d+$")
+        # Pinned like the signature of the full bench: it moves only with search or evaluation changes.
+        self.assertEqual(lines[-2], "Nodes searched  : 282069")
         self.assertRegex(lines[-1], r"^Nodes/second    : \d+$")
         # The depth offset applies to every position: the first (16 plies) searches 6.
         first = lines[:next(i for i, l in enumerate(lines) if is_bestmove(l))]
         starts = [l for l in first if re.fullmatch(r"info depth \d+ seldepth \d+", l)]
         self.assertEqual(starts[-1], "info depth 6 seldepth 6")
-
-    def test_bench_is_deterministic(self):
-        first = run(ENGINE, "bench", "-11", timeout=60)[1][-2]
-        second = run(ENGINE, "bench", "-11", timeout=60)[1][-2]
-        self.assertEqual(first, second)
-
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])

@@ -2,8 +2,9 @@
 // FEN text of a position and its mirrored twins, and random game positions.
 #pragma once
 
+#include <algorithm>
 #include <cctype>
-#include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@
 namespace vx::test {
 
 struct EvalFixture {
+  bool tables_ready = (init(), true);
   SearchState ss{0, nullptr, nullptr};
 
   template <bool Hw = false>
@@ -30,15 +32,12 @@ struct EvalFixture {
   }
 };
 
-inline std::vector<std::string> split_fen(const std::string& fen) {
+struct EvalTest : ::testing::Test, EvalFixture {};
+
+inline std::vector<std::string> split_fen(const std::string& fen, char separator = ' ') {
   std::vector<std::string> parts;
-  size_t start = 0;
-  while (start < fen.size()) {
-    size_t end = fen.find(' ', start);
-    if (end == std::string::npos) end = fen.size();
-    parts.push_back(fen.substr(start, end - start));
-    start = end + 1;
-  }
+  std::istringstream in(fen);
+  for (std::string part; std::getline(in, part, separator);) parts.push_back(part);
   return parts;
 }
 
@@ -56,56 +55,31 @@ inline std::string swap_case(std::string s) {
 
 // Board turned top to bottom, colours, castling rights and side to move swapped.
 inline std::string colour_mirror(const std::string& fen) {
-  auto parts = split_fen(fen);
-  std::vector<std::string> ranks;
-  for (size_t i = 0, j; i <= parts[0].size(); i = j + 1) {
-    j = parts[0].find('/', i);
-    if (j == std::string::npos) j = parts[0].size();
-    ranks.push_back(parts[0].substr(i, j - i));
-  }
+  const auto parts = split_fen(fen);
+  const auto ranks = split_fen(parts[0], '/');
   std::string placement;
-  for (int i = int(ranks.size()) - 1; i >= 0; --i) placement += swap_case(ranks[i]) + (i ? "/" : "");
-  std::string rights = parts[2] == "-" ? "-" : swap_case(parts[2]);
-  std::string order;  // keep the usual KQkq order
+  for (auto r = ranks.rbegin(); r != ranks.rend(); ++r) placement += swap_case(*r) + (r + 1 != ranks.rend() ? "/" : "");
+  std::string rights;  // in the usual KQkq order
   for (char c : std::string("KQkq"))
-    if (rights.find(c) != std::string::npos) order += c;
-  return placement + (parts[1] == "w" ? " b " : " w ") + (order.empty() ? "-" : order) + " - 0 1";
+    if (parts[2].find(char(std::isupper(c) ? std::tolower(c) : std::toupper(c))) != std::string::npos) rights += c;
+  return placement + (parts[1] == "w" ? " b " : " w ") + (rights.empty() ? "-" : rights) + " - 0 1";
 }
 
 // Board turned left to right (only for positions without castling rights).
 inline std::string file_mirror(const std::string& fen) {
-  auto parts = split_fen(fen);
-  std::string placement, rank;
-  auto flush = [&] {
-    placement += std::string(rank.rbegin(), rank.rend());
-    rank.clear();
-  };
-  for (char c : parts[0]) {
-    if (c == '/') {
-      flush();
-      placement += '/';
-    } else {
-      rank += c;
-    }
+  const auto parts = split_fen(fen);
+  std::string placement;
+  for (std::string rank : split_fen(parts[0], '/')) {
+    std::reverse(rank.begin(), rank.end());
+    placement += (placement.empty() ? "" : "/") + rank;
   }
-  flush();
   return placement + " " + parts[1] + " - - 0 1";
 }
 
 // FEN of every position along random games from the start position.
 inline std::vector<std::string> random_game_fens(int games, int max_plies, unsigned seed) {
-  std::mt19937 rng(seed);
   std::vector<std::string> out;
-  for (int g = 0; g < games; ++g) {
-    Position pos = startpos();
-    for (int ply = 0; ply < max_plies; ++ply) {
-      MoveList list;
-      GenerateLegal(pos, list);
-      if (list.size == 0 || pos.state->rule50 >= 100) break;
-      pos.ApplyGameMove(list.moves[rng() % list.size]);
-      out.push_back(fen_of(pos));
-    }
-  }
+  random_walks({START_FEN}, games, max_plies, seed, [&](const Position& pos, const MoveList&) { out.push_back(fen_of(pos)); });
   return out;
 }
 

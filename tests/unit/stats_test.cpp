@@ -25,20 +25,6 @@ TEST(Stats, ScoreEloAndIntervalOfASmallMatch) {
   EXPECT_NEAR(LikelihoodOfSuperiority(c), 0.9016471987705266, EPS);
 }
 
-TEST(Stats, LargerMatchesOnBothSidesOfEven) {
-  const MatchCounts ahead{120, 260, 100};
-  EXPECT_NEAR(EstimateElo(ahead).elo, 14.484869061777905, EPS);
-  EXPECT_NEAR(EstimateElo(ahead).lower, -6.526659618963195, 1e-6);
-  EXPECT_NEAR(EstimateElo(ahead).upper, 35.602956405730055, 1e-6);
-  EXPECT_NEAR(LikelihoodOfSuperiority(ahead), 0.9112350737939232, EPS);
-
-  const MatchCounts behind{300, 400, 330};
-  EXPECT_NEAR(EstimateElo(behind).elo, -10.122346105908104, EPS);
-  EXPECT_NEAR(EstimateElo(behind).lower, -26.75489845877094, 1e-6);
-  EXPECT_NEAR(EstimateElo(behind).upper, 6.463917225446888, 1e-6);
-  EXPECT_NEAR(LikelihoodOfSuperiority(behind), 0.11599886181436703, EPS);
-}
-
 TEST(Stats, EloAndScoreConvertBothWays) {
   EXPECT_DOUBLE_EQ(ScoreFromElo(0), 0.5);
   EXPECT_NEAR(ScoreFromElo(5), 0.5071950817090514, EPS);
@@ -62,19 +48,14 @@ TEST(Stats, DegenerateCounts) {
   EXPECT_EQ(SprtDecide({0, 5}, {21, 0, 0}), SprtDecision::CONTINUE);
 }
 
-TEST(Stats, SprtBoundsForFivePercentErrors) {
+// Bounds log(0.95 / 0.05); LLR = N (s1 - s0) (2 x - s0 - s1) / (2 var) with
+// s0 = 0.5, s1 = 0.50719508...
+TEST(Stats, SprtBoundsLlrAndDecisions) {
   const Sprt s{0, 5};
   EXPECT_NEAR(SprtLowerBound(s), -2.9444389791664403, EPS);
   EXPECT_NEAR(SprtUpperBound(s), 2.9444389791664403, EPS);
-}
-
-// LLR = N (s1 - s0) (2 x - s0 - s1) / (2 var) with s0 = 0.5, s1 = 0.50719508...
-TEST(Stats, SprtLlrAndDecisions) {
-  const Sprt s{0, 5};
   EXPECT_NEAR(SprtLlr(s, {10, 5, 5}), 0.10164370772147874, 1e-9);
   EXPECT_EQ(SprtDecide(s, {10, 5, 5}), SprtDecision::CONTINUE);
-  EXPECT_NEAR(SprtLlr(s, {1000, 2000, 900}), 2.127789745193596, 1e-9);
-  EXPECT_EQ(SprtDecide(s, {1000, 2000, 900}), SprtDecision::CONTINUE);
   EXPECT_NEAR(SprtLlr(s, {1200, 2000, 900}), 7.6800028099564335, 1e-9);
   EXPECT_EQ(SprtDecide(s, {1200, 2000, 900}), SprtDecision::ACCEPT_H1);
   EXPECT_NEAR(SprtLlr(s, {900, 2000, 1100}), -6.6174598794370905, 1e-9);

@@ -8,7 +8,6 @@ namespace vx {
 namespace {
 
 const char* const KINGS_ONLY = "4k3/8/8/8/8/8/8/4K3 w - - 0 1";
-const char* const QUEENS_ONLY = "3qk3/8/8/8/8/8/8/3QK3 w - - 0 1";
 
 SearchLimits clock_limits(int wtime, int winc = 0, int movestogo = 0) {
   SearchLimits l;
@@ -18,56 +17,39 @@ SearchLimits clock_limits(int wtime, int winc = 0, int movestogo = 0) {
   return l;
 }
 
-// Target and maximum for White with the given settings.
-std::pair<int, int> allocate(const SearchLimits& l, const Position& pos, TimeSettings s = {}) {
-  AllocateTime(l, WHITE, pos, s);
-  return {time_manager.target, time_manager.maximum};
-}
-
 using Budget = std::pair<int, int>;
 
-TEST(AllocateTime, SuddenDeathAndIncrement) {
-  const Position start = test::startpos();
-  EXPECT_EQ(allocate(clock_limits(60000), start), Budget(1038, 19470));
-  EXPECT_EQ(allocate(clock_limits(60000, 1000), start), Budget(1944, 19470));
-  // Negative increments count as none.
-  EXPECT_EQ(allocate(clock_limits(60000, -500), start), Budget(1038, 19470));
-  // Below the buffer: the floors.
-  EXPECT_EQ(allocate(clock_limits(500), start), Budget(10, 20));
-  // Only the other side's clock given: still a clock, with no time of ours.
-  SearchLimits black_only;
+// Target and maximum for White to move.
+TEST(AllocateTime, TargetAndMaximum) {
+  SearchLimits black_only;  // only the other side's clock given: still a clock, with no time of ours
   black_only.time[BLACK] = 60000;
-  EXPECT_EQ(allocate(black_only, start), Budget(10, 20));
-}
-
-TEST(AllocateTime, MovesToGo) {
-  const Position start = test::startpos();
-  EXPECT_EQ(allocate(clock_limits(300000, 0, 40), start), Budget(5695, 71190));
-  // At most 50 moves are planned for; the maximum is at most ten targets.
-  EXPECT_EQ(allocate(clock_limits(60000, 0, 100), start), Budget(907, 11340));
-  // One move left: the maximum is 65% of the clock.
-  EXPECT_EQ(allocate(clock_limits(10000, 0, 1), start), Budget(2400, 5850));
-  EXPECT_EQ(allocate(clock_limits(20000, 5000, 5), start), Budget(5771, 12350));
-}
-
-TEST(AllocateTime, LessMaterialMoreTime) {
-  EXPECT_EQ(allocate(clock_limits(60000), test::from_fen(KINGS_ONLY)), Budget(1557, 19470));
-  EXPECT_EQ(allocate(clock_limits(60000), test::from_fen(QUEENS_ONLY)), Budget(1411, 19470));
-}
-
-TEST(AllocateTime, Settings) {
-  const Position start = test::startpos();
-  TimeSettings ponder;
+  TimeSettings ponder, no_buffer, less;
   ponder.ponder = true;
-  EXPECT_EQ(allocate(clock_limits(60000), start, ponder), Budget(1297, 19470));
-  TimeSettings no_buffer;
   no_buffer.buffer_sec = 0;
-  EXPECT_EQ(allocate(clock_limits(60000), start, no_buffer), Budget(1056, 19800));
-  TimeSettings more, less;
-  more.usage_percent = 150;
   less.usage_percent = 50;
-  EXPECT_EQ(allocate(clock_limits(60000), start, more), Budget(1557, 19470));
-  EXPECT_EQ(allocate(clock_limits(60000), start, less), Budget(519, 19470));
+  const struct {
+    SearchLimits limits;
+    const char* fen;
+    TimeSettings settings;
+    Budget expected;
+  } cases[] = {
+      {clock_limits(60000), test::START_FEN, {}, {1038, 19470}},
+      {clock_limits(60000, 1000), test::START_FEN, {}, {1944, 19470}},
+      {clock_limits(60000, -500), test::START_FEN, {}, {1038, 19470}},  // negative increments count as none
+      {clock_limits(500), test::START_FEN, {}, {10, 20}},                // below the buffer: the floors
+      {black_only, test::START_FEN, {}, {10, 20}},
+      {clock_limits(300000, 0, 40), test::START_FEN, {}, {5695, 71190}},
+      {clock_limits(60000), KINGS_ONLY, {}, {1557, 19470}},              // less material, more time
+      // The Ponder, Time Buffer and Time Usage Percent options.
+      {clock_limits(60000), test::START_FEN, ponder, {1297, 19470}},
+      {clock_limits(60000), test::START_FEN, no_buffer, {1056, 19800}},
+      {clock_limits(60000), test::START_FEN, less, {519, 19470}},
+  };
+  for (const auto& c : cases) {
+    AllocateTime(c.limits, WHITE, test::from_fen(c.fen), c.settings);
+    EXPECT_EQ(Budget(time_manager.target, time_manager.maximum), c.expected)
+        << c.fen << " " << c.limits.time[WHITE] << "+" << c.limits.inc[WHITE] << "/" << c.limits.movestogo;
+  }
 }
 
 TEST(AllocateTime, ResetsTheEventState) {
@@ -76,12 +58,10 @@ TEST(AllocateTime, ResetsTheEventState) {
   TimeEvent(EVENT_ITERATION_END, 100, 50);
   TimeEvent(EVENT_RESEARCH, 300, 50);
   AllocateTime(clock_limits(60000), WHITE, start, {});
-  EXPECT_EQ(time_manager.factor, 1.0);
-  EXPECT_EQ(time_manager.extra, 0);
-  EXPECT_EQ(time_manager.count, 0);
-  EXPECT_EQ(time_manager.last_score, VALUE_INFINITE);
-  EXPECT_FALSE(time_manager.active);
-  EXPECT_FALSE(time_manager.unresolved);
+  const TimeManager& t = time_manager;
+  EXPECT_EQ(std::vector<double>({t.factor, double(t.extra), double(t.count), double(t.last_score),
+                                 double(t.active), double(t.unresolved)}),
+            std::vector<double>({1.0, 0, 0, VALUE_INFINITE, 0, 0}));
 }
 
 // A manager with target 1000 and maximum 10000, active after one iteration
@@ -94,11 +74,12 @@ void start_manager() {
 }
 
 TEST(TimeEvent, ScoreDropStretchesTheSoftLimit) {
+  time_manager = TimeManager{};
+  TimeEvent(EVENT_FIRST_EXACT, 0, -5000);  // no reference score yet
+  EXPECT_DOUBLE_EQ(time_manager.factor, 1.0);
   start_manager();
   TimeEvent(EVENT_FIRST_EXACT, 0, 100 - 128);  // half a pawn down
   EXPECT_DOUBLE_EQ(time_manager.factor, 6.0);
-  TimeEvent(EVENT_FIRST_EXACT, 0, 100 - 3 * 256);
-  EXPECT_DOUBLE_EQ(time_manager.factor, 31.0);
   TimeEvent(EVENT_FIRST_EXACT, 0, -5000);
   EXPECT_DOUBLE_EQ(time_manager.factor, 31.0);
   TimeEvent(EVENT_FIRST_EXACT, 0, 400);  // a gain changes nothing
@@ -107,83 +88,64 @@ TEST(TimeEvent, ScoreDropStretchesTheSoftLimit) {
   TimeEvent(EVENT_FIRST_EXACT, 0, 100 - 128);
   TimeEvent(EVENT_ITERATION_END, 0, -28);
   EXPECT_DOUBLE_EQ(time_manager.factor, 1.0);
-  EXPECT_EQ(time_manager.last_score, -28);
   TimeEvent(EVENT_FIRST_EXACT, 0, -28);
   EXPECT_DOUBLE_EQ(time_manager.factor, 1.0);
 }
 
-TEST(TimeEvent, NoReferenceScoreNoFactor) {
-  time_manager = TimeManager{};
-  TimeEvent(EVENT_FIRST_EXACT, 0, -5000);
-  EXPECT_DOUBLE_EQ(time_manager.factor, 1.0);
-}
-
-TEST(TimeEvent, UnsettledRootAddsTimeHalvedEachIteration) {
+// A new best move, a re-search or a first-move fail low adds time (elapsed /
+// events this iteration, at most the target); each iteration end halves it.
+// A fail low switches the soft limit off until the first move is resolved.
+TEST(TimeEvent, UnsettledRootAddsTime) {
   start_manager();
   TimeEvent(EVENT_NEW_BEST, 3000, 100);  // min(3000 / 1, 1000)
-  EXPECT_EQ(time_manager.count, 1);
-  EXPECT_EQ(time_manager.extra, 1000);
   TimeEvent(EVENT_RESEARCH, 1501, 100);  // 1501 / 2
   EXPECT_TRUE(time_manager.unresolved);
-  EXPECT_EQ(time_manager.extra, 1750);
   TimeEvent(EVENT_NOT_CONFIRMED, 1600, 100);
   EXPECT_FALSE(time_manager.unresolved);
-  EXPECT_EQ(time_manager.extra, 1750);
   TimeEvent(EVENT_FIRST_FAIL_LOW, 1800, 100);  // 1800 / 3
   EXPECT_FALSE(time_manager.active);
-  EXPECT_EQ(time_manager.extra, 2350);
-  EXPECT_EQ(time_manager.count, 3);
+  EXPECT_EQ(time_manager.extra, 1000 + 750 + 600);
   TimeEvent(EVENT_ITERATION_END, 2000, 100);
   EXPECT_EQ(time_manager.extra, 1175);
   EXPECT_EQ(time_manager.count, 0);
   EXPECT_TRUE(time_manager.active);
-}
-
-TEST(TimeEvent, FirstMoveEventsSwitchTheSoftLimit) {
-  start_manager();
-  TimeEvent(EVENT_FIRST_FAIL_LOW, 10, 100);
-  EXPECT_FALSE(time_manager.active);
-  TimeEvent(EVENT_FIRST_FAIL_HIGH, 10, 100);
-  EXPECT_TRUE(time_manager.active);
-  TimeEvent(EVENT_FIRST_FAIL_LOW, 10, 100);
-  TimeEvent(EVENT_FIRST_EXACT, 10, 100);
-  EXPECT_TRUE(time_manager.active);
-  TimeEvent(EVENT_FIRST_FAIL_LOW, 10, 100);
-  TimeEvent(EVENT_NEW_BEST, 10, 100);
-  EXPECT_TRUE(time_manager.active);
+  for (int resolving : {EVENT_FIRST_FAIL_HIGH, EVENT_FIRST_EXACT, EVENT_NEW_BEST}) {
+    TimeEvent(EVENT_FIRST_FAIL_LOW, 10, 100);
+    TimeEvent(resolving, 10, 100);
+    EXPECT_TRUE(time_manager.active) << resolving;
+  }
   TimeEvent(EVENT_RESEARCH, 10, 100);
   TimeEvent(EVENT_NEW_BEST, 10, 100);
   EXPECT_FALSE(time_manager.unresolved);
 }
 
-TEST(TimeUp, MultipliersByPhase) {
-  start_manager();
-  EXPECT_FALSE(TimeUp(PHASE_ITERATION, 749));
-  EXPECT_TRUE(TimeUp(PHASE_ITERATION, 750));
-  EXPECT_FALSE(TimeUp(PHASE_ROOT_MOVE, 999));
-  EXPECT_TRUE(TimeUp(PHASE_ROOT_MOVE, 1000));
-  EXPECT_FALSE(TimeUp(PHASE_TREE, 1999));
-  EXPECT_TRUE(TimeUp(PHASE_TREE, 2000));
-  time_manager.unresolved = true;
-  EXPECT_FALSE(TimeUp(PHASE_TREE, 3999));
-  EXPECT_TRUE(TimeUp(PHASE_TREE, 4000));
-  EXPECT_FALSE(TimeUp(PHASE_ITERATION, 749));
-}
-
-TEST(TimeUp, ExtraFactorAndMaximum) {
-  start_manager();
-  time_manager.extra = 333;
-  EXPECT_FALSE(TimeUp(PHASE_ITERATION, 998));  // trunc(0.75 * 1333) = 999
-  EXPECT_TRUE(TimeUp(PHASE_ITERATION, 999));
-  time_manager.factor = 6.0;
-  EXPECT_FALSE(TimeUp(PHASE_ROOT_MOVE, 7997));
-  EXPECT_TRUE(TimeUp(PHASE_ROOT_MOVE, 7998));
-  EXPECT_TRUE(TimeUp(PHASE_TREE, 10000));  // the maximum caps everything
-  // Without an active soft limit only the maximum counts.
-  time_manager.factor = 1.0;
-  time_manager.active = false;
-  EXPECT_FALSE(TimeUp(PHASE_ITERATION, 9999));
-  EXPECT_TRUE(TimeUp(PHASE_ITERATION, 10000));
+TEST(TimeUp, FirstMillisecondThatEndsTheSearch) {
+  const struct {
+    int phase;
+    bool unresolved;
+    int extra;
+    double factor;
+    bool active;
+    int first;
+  } cases[] = {
+      {PHASE_ITERATION, false, 0, 1.0, true, 750},
+      {PHASE_ROOT_MOVE, false, 0, 1.0, true, 1000},
+      {PHASE_TREE, false, 0, 1.0, true, 2000},
+      {PHASE_TREE, true, 0, 1.0, true, 4000},
+      {PHASE_ITERATION, true, 0, 1.0, true, 750},
+      {PHASE_ROOT_MOVE, false, 333, 6.0, true, 7998},  // trunc(6 x 1333)
+      {PHASE_TREE, false, 333, 6.0, true, 10000},      // the maximum caps everything
+      {PHASE_ITERATION, false, 333, 1.0, false, 10000},
+  };
+  for (const auto& c : cases) {
+    start_manager();
+    time_manager.unresolved = c.unresolved;
+    time_manager.extra = c.extra;
+    time_manager.factor = c.factor;
+    time_manager.active = c.active;
+    EXPECT_FALSE(TimeUp(c.phase, c.first - 1)) << c.phase << " " << c.first;
+    EXPECT_TRUE(TimeUp(c.phase, c.first)) << c.phase << " " << c.first;
+  }
 }
 
 }  // namespace

@@ -25,26 +25,12 @@ struct TTFixture : ::testing::Test {
   const TTEntry& slot(uint64_t index, int i) const { return tt.clusters()[index].entry[i]; }
 };
 
-bool all_zero(const TTEntry& e) {
-  TTEntry zero{};
-  return std::memcmp(&e, &zero, sizeof e) == 0;
-}
-
+// Sizes round down to a power of two of clusters; a size change that keeps
+// the cluster count keeps the memory and its contents.
 TEST(TranspositionTableSize, RoundsDownToPowerOfTwoClusters) {
   TranspositionTable tt;
   tt.resize(1);
   EXPECT_EQ(tt.cluster_count(), uint64_t(1) << 14);
-  tt.resize(100);
-  EXPECT_EQ(tt.cluster_count(), uint64_t(1) << 20);
-  tt.resize(127);
-  EXPECT_EQ(tt.cluster_count(), uint64_t(1) << 20);
-  tt.resize(128);
-  EXPECT_EQ(tt.cluster_count(), uint64_t(1) << 21);
-  EXPECT_EQ(reinterpret_cast<uintptr_t>(tt.clusters()) % 64, 0u);
-}
-
-TEST(TranspositionTableSize, SameClusterCountKeepsMemoryAndContents) {
-  TranspositionTable tt;
   tt.resize(64);
   tt.clear();
   const TTCluster* before = tt.clusters();
@@ -54,6 +40,9 @@ TEST(TranspositionTableSize, SameClusterCountKeepsMemoryAndContents) {
   EXPECT_EQ(tt.cluster_count(), uint64_t(1) << 20);
   EXPECT_EQ(tt.clusters(), before);
   EXPECT_EQ(tt.probe(key).move, 77);
+  tt.resize(128);
+  EXPECT_EQ(tt.cluster_count(), uint64_t(1) << 21);
+  EXPECT_EQ(reinterpret_cast<uintptr_t>(tt.clusters()) % 64, 0u);
 }
 
 // Runs in a death-test child: resizes with standard output routed to the
@@ -89,94 +78,62 @@ TEST(TranspositionTableSize, AddressSpaceLimitIsRespected) {
 }
 
 TEST_F(TTFixture, EmptyTableProbesAsAllZero) {
-  for (Key key : {Key(0x100000001ULL), Key(0xFFFFFFFF00000000ULL), Key(0xDEADBEEF12345678ULL)}) EXPECT_TRUE(all_zero(tt.probe(key)));
+  const TTEntry zero{};
+  for (Key key : {Key(0x100000001ULL), Key(0xFFFFFFFF00000000ULL), Key(0xDEADBEEF12345678ULL)}) {
+    const TTEntry e = tt.probe(key);
+    EXPECT_EQ(std::memcmp(&e, &zero, sizeof e), 0) << key;
+  }
 }
 
-TEST_F(TTFixture, ExactStoreFillsBothBounds) {
-  const Key key = key_in(5, 0xABCD);
-  tt.store(key, 1234, 12, BOUND_EXACT, -70, 25);
-  TTEntry e = tt.probe(key);
-  EXPECT_EQ(e.key32, 0xABCDu);
-  EXPECT_EQ(e.move, 1234);
-  EXPECT_EQ(e.eval, 25);
-  EXPECT_EQ(e.lower, -70);
-  EXPECT_EQ(e.upper, -70);
-  EXPECT_EQ(e.lower_depth(), 12);
-  EXPECT_EQ(e.upper_depth(), 12);
-  EXPECT_TRUE(e.exact());
-  EXPECT_EQ(e.generation(), tt.generation());
-  EXPECT_EQ(e.upper_depth_flags & 0x7C00, 0);
-  EXPECT_EQ(tt.probe(key_in(5, 0xABCE)).key32, 0u);  // other check half: miss
-}
-
-TEST_F(TTFixture, UpperBoundBelowLowerDropsLowerAndKeepsMove) {
-  const Key key = key_in(9, 7);
-  tt.store(key, 111, 8, BOUND_LOWER, 80, 0);
-  tt.store(key, 222, 12, BOUND_UPPER, 50, 0);
-  TTEntry e = tt.probe(key);
-  EXPECT_EQ(e.move, 111);
-  EXPECT_EQ(e.upper, 50);
-  EXPECT_EQ(e.upper_depth(), 12);
-  EXPECT_EQ(e.lower, VALUE_INFINITE);
-  EXPECT_EQ(e.lower_depth(), 0);
-  EXPECT_FALSE(e.exact());
-}
-
-TEST_F(TTFixture, UpperBoundAboveLowerKeepsLowerAndRefreshesGeneration) {
-  const Key key = key_in(9, 7);
-  tt.store(key, 111, 8, BOUND_LOWER, 80, 0);
-  tt.new_search();
-  tt.store(key, 222, 12, BOUND_UPPER, 90, 0);
-  const TTEntry& e = slot(9, 0);
-  EXPECT_EQ(e.lower, 80);
-  EXPECT_EQ(e.lower_depth(), 8);
-  EXPECT_EQ(e.generation(), tt.generation());
-  EXPECT_EQ(e.upper, 90);
-  EXPECT_EQ(e.move, 111);
-}
-
-TEST_F(TTFixture, LowerBoundMergesWithUpperBound) {
-  const Key key = key_in(3, 42);
-  tt.store(key, 10, 6, BOUND_UPPER, 100, 0);
-  tt.store(key, 20, 8, BOUND_LOWER, 40, 0);
-  TTEntry e = tt.probe(key);
-  EXPECT_EQ(e.lower, 40);
-  EXPECT_EQ(e.lower_depth(), 8);
-  EXPECT_EQ(e.upper, 100);
-  EXPECT_EQ(e.upper_depth(), 6);
-  EXPECT_EQ(e.move, 20);
-
-  // A lower bound above the upper one contradicts it: the upper bound goes.
-  tt.store(key, 30, 4, BOUND_LOWER, 120, 0);
-  e = tt.probe(key);
-  EXPECT_EQ(e.lower, 120);
-  EXPECT_EQ(e.lower_depth(), 4);  // the deeper old lower bound is overwritten
-  EXPECT_EQ(e.upper, VALUE_INFINITE);
-  EXPECT_EQ(e.upper_depth_flags, 0);
-  EXPECT_EQ(e.move, 30);
-}
-
-TEST_F(TTFixture, LowerBoundClearsExactFlag) {
-  const Key key = key_in(3, 42);
-  tt.store(key, 10, 16, BOUND_EXACT, 100, 0);
-  tt.store(key, 20, 8, BOUND_LOWER, 40, 0);
-  TTEntry e = tt.probe(key);
-  EXPECT_FALSE(e.exact());
-  EXPECT_EQ(e.upper, 100);
-  EXPECT_EQ(e.upper_depth(), 16);
-  EXPECT_EQ(e.lower, 40);
-}
-
-TEST_F(TTFixture, EmptySlotIgnoresOldContents) {
-  // A lower bound in a fresh slot has no upper bound, an upper bound no lower.
-  tt.store(key_in(1, 5), 10, 8, BOUND_LOWER, 40, 0);
-  tt.store(key_in(2, 5), 10, 8, BOUND_UPPER, 40, 0);
-  TTEntry lower = tt.probe(key_in(1, 5)), upper = tt.probe(key_in(2, 5));
-  EXPECT_EQ(lower.upper, VALUE_INFINITE);
-  EXPECT_EQ(lower.upper_depth_flags, 0);
-  EXPECT_EQ(upper.lower, VALUE_INFINITE);
-  EXPECT_EQ(upper.lower_depth(), 0);
-  EXPECT_EQ(upper.move, 0);
+// Stores into one slot, the last one a search later: how the two bounds,
+// their drafts, the exact flag and the move merge.
+TEST_F(TTFixture, BoundsMerge) {
+  struct Store {
+    Move move;
+    int depth, bound;
+    Value value;
+  };
+  const struct {
+    std::vector<Store> stores;
+    Move move;
+    Value lower;
+    int lower_depth;
+    Value upper;
+    int upper_flags;  // draft and exact flag
+  } cases[] = {
+      {{{1234, 12, BOUND_EXACT, -70}}, 1234, -70, 12, -70, 12 | TT_EXACT_FLAG},
+      // A fresh slot has no other bound; an upper bound brings no move.
+      {{{10, 8, BOUND_LOWER, 40}}, 10, 40, 8, VALUE_INFINITE, 0},
+      {{{10, 8, BOUND_UPPER, 40}}, 0, VALUE_INFINITE, 0, 40, 8},
+      // An upper bound below the lower one drops it and keeps the move.
+      {{{111, 8, BOUND_LOWER, 80}, {222, 12, BOUND_UPPER, 50}}, 111, VALUE_INFINITE, 0, 50, 12},
+      {{{111, 8, BOUND_LOWER, 80}, {222, 12, BOUND_UPPER, 90}}, 111, 80, 8, 90, 12},
+      // A lower bound keeps a consistent upper one and clears the exact flag.
+      {{{10, 6, BOUND_UPPER, 100}, {20, 8, BOUND_LOWER, 40}}, 20, 40, 8, 100, 6},
+      {{{10, 16, BOUND_EXACT, 100}, {20, 8, BOUND_LOWER, 40}}, 20, 40, 8, 100, 16},
+      // A lower bound above the upper one drops it and overwrites the deeper old lower bound.
+      {{{10, 6, BOUND_UPPER, 100}, {20, 8, BOUND_LOWER, 40}, {30, 4, BOUND_LOWER, 120}}, 30, 120, 4, VALUE_INFINITE, 0},
+  };
+  uint64_t cluster = 0;
+  for (const auto& c : cases) {
+    const Key key = key_in(++cluster, 7);
+    for (size_t i = 0; i < c.stores.size(); ++i) {
+      if (i + 1 == c.stores.size()) tt.new_search();
+      tt.store(key, c.stores[i].move, c.stores[i].depth, c.stores[i].bound, c.stores[i].value, 25);
+    }
+    EXPECT_EQ(tt.probe(key ^ (Key(1) << 40)).key32, 0u);  // another check half misses
+    const TTEntry e = tt.probe(key);
+    EXPECT_EQ(e.key32, 7u);
+    EXPECT_EQ(e.eval, 25);
+    SCOPED_TRACE(testing::Message() << "case " << cluster);
+    EXPECT_EQ(e.generation(), tt.generation());
+    EXPECT_EQ(e.move, c.move);
+    EXPECT_EQ(e.lower, c.lower);
+    EXPECT_EQ(e.lower_depth(), c.lower_depth);
+    EXPECT_EQ(e.upper, c.upper);
+    EXPECT_EQ(e.upper_depth_flags, c.upper_flags);
+    EXPECT_EQ(e.exact(), (c.upper_flags & TT_EXACT_FLAG) != 0);
+  }
 }
 
 // Fills slots 0-3 of cluster 0 with check halves 1-4.
