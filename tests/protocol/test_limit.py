@@ -9,7 +9,7 @@ import time
 import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from engine import Engine  # noqa: E402
+from test_search import SearchTestCase, is_bestmove  # noqa: E402
 
 ENGINE = sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen"
 UCI_MOVE = re.compile(r"^([a-h][1-8][a-h][1-8][nbrq]?|0000)$")
@@ -18,39 +18,28 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 SYZYGY = os.environ.get("VORLAXEN_SYZYGY_PATH", os.path.join(HERE, "..", "..", "..", "shared", "syzygy"))
 
 
-def is_bestmove(line):
-    return line.startswith("bestmove")
-
-
 def max_field(lines, name):
     values = [int(m.group(1)) for m in (re.search(r" %s (\d+)" % name, l) for l in lines) if m]
     return max(values, default=0)
 
 
-class LimitedTestCase(unittest.TestCase):
-    def setUp(self):
-        self.engine = Engine(ENGINE, timeout=20.0)
-        self.engine.read_line()  # greeting
-
-    def tearDown(self):
-        self.engine.kill()
-
+class LimitedTestCase(SearchTestCase):
     def limit(self, elo):
         self.engine.send("setoption name UCI_LimitStrength value true")
         self.engine.send("setoption name UCI_Elo value %d" % elo)
 
-    def go(self, position, go, timeout=None):
-        """One search; returns (lines before "bestmove", the move, seconds until "bestmove")."""
-        self.engine.send(position)
+    def timed_go(self, position, go, timeout=None):
+        """One search; returns (lines before "bestmove", the move, seconds until it was answered)."""
         self.engine.sync()
         start = time.monotonic()
-        self.engine.send(go)
-        lines = self.engine.read_until(is_bestmove, timeout)
-        seconds = time.monotonic() - start
-        self.assertRegex(lines[-1].split()[1], UCI_MOVE)
-        for line in self.engine.sync():  # exactly one "bestmove"
-            self.assertFalse(is_bestmove(line), line)
-        return lines[:-1], lines[-1].split()[1], seconds
+        lines, best, _ = self.go(position, go, timeout)
+        self.assertRegex(best, UCI_MOVE)
+        return lines, best, time.monotonic() - start
+
+    def assert_still_waiting(self):
+        """"isready" is answered at once, and no "bestmove" came before it."""
+        self.engine.send("isready")
+        self.assertFalse(any(is_bestmove(l) for l in self.engine.read_until("readyok", 1.0)))
 
 
 class NodeBudget(LimitedTestCase):
@@ -59,13 +48,13 @@ class NodeBudget(LimitedTestCase):
         for elo, budget in ((850, 16), (1450, 750)):
             self.limit(elo)
             for _ in range(3):
-                lines, _, seconds = self.go("position startpos", "go depth 30")
+                lines, _, seconds = self.timed_go("position startpos", "go depth 30")
                 self.assertLessEqual(max_field(lines, "nodes"), budget + 40, elo)
                 self.assertLess(seconds, 3.0)  # no clock: no waiting
 
     def test_successive_searches_differ(self):
         self.limit(850)
-        moves = {self.go("position startpos moves e2e4", "go depth 30")[1] for _ in range(8)}
+        moves = {self.timed_go("position startpos moves e2e4", "go depth 30")[1] for _ in range(8)}
         self.assertGreater(len(moves), 1)
 
 
@@ -74,7 +63,7 @@ class Waiting(LimitedTestCase):
         # wtime 60000 from the start position: target 1038 ms, so 342..2076 ms in all.
         self.limit(850)
         for _ in range(3):
-            _, _, seconds = self.go("position startpos", "go wtime 60000 btime 60000")
+            _, _, seconds = self.timed_go("position startpos", "go wtime 60000 btime 60000")
             self.assertGreaterEqual(seconds, 0.33)
             self.assertLess(seconds, 2.076 + 0.6)
 
@@ -84,9 +73,9 @@ class Waiting(LimitedTestCase):
         self.limit(850)
         self.engine.send("setoption name Time Buffer (sec) value 0")
         for _ in range(3):
-            _, _, seconds = self.go("position startpos moves e2e4", "go wtime 1000 btime 1000 winc 5000 binc 5000")
+            _, _, seconds = self.timed_go("position startpos moves e2e4", "go wtime 1000 btime 1000 winc 5000 binc 5000")
             self.assertLess(seconds, 1.0)
-        _, _, seconds = self.go("position startpos", "go wtime 300 btime 300")
+        _, _, seconds = self.timed_go("position startpos", "go wtime 300 btime 300")
         self.assertLess(seconds, 0.3)
 
     def start_long_wait(self):
@@ -98,9 +87,7 @@ class Waiting(LimitedTestCase):
 
     def test_isready_and_stop_act_during_the_wait(self):
         self.start_long_wait()
-        self.engine.send("isready")
-        lines = self.engine.read_until("readyok", 1.0)
-        self.assertFalse(any(is_bestmove(l) for l in lines))
+        self.assert_still_waiting()
         self.engine.send("stop")
         self.assertRegex(self.engine.read_until(is_bestmove, 1.0)[-1].split()[1], UCI_MOVE)
 
@@ -124,7 +111,7 @@ class OddSearches(LimitedTestCase):
         for elo in (850, 1700, 2800):
             self.limit(elo)
             for position, go, expected in cases:
-                _, best, _ = self.go(position, go)
+                _, best, _ = self.timed_go(position, go)
                 if expected:
                     self.assertEqual(best, expected, (elo, position, go))
 
@@ -133,14 +120,12 @@ class OddSearches(LimitedTestCase):
         self.engine.send("position startpos")
         self.engine.send("go infinite")
         time.sleep(0.3)
-        self.engine.send("isready")
-        self.assertFalse(any(is_bestmove(l) for l in self.engine.read_until("readyok", 2.0)))
+        self.assert_still_waiting()
         self.engine.send("stop")
         self.engine.read_until(is_bestmove, 2.0)
         self.engine.send("go ponder wtime 5000 btime 5000")
         time.sleep(0.3)
-        self.engine.send("isready")
-        self.assertFalse(any(is_bestmove(l) for l in self.engine.read_until("readyok", 2.0)))
+        self.assert_still_waiting()
         self.engine.send("ponderhit")
         self.engine.read_until(is_bestmove, 5.0)
 
@@ -152,11 +137,11 @@ class Tablebases(LimitedTestCase):
         self.engine.send("setoption name Syzygy Path value %s" % os.path.abspath(SYZYGY))
         # Five men, and a rook capture leads to four.
         position = "position fen 8/8/8/4k3/8/8/1r6/1R2K2R w - - 0 1"
-        lines, _, _ = self.go(position, "go depth 8")
+        lines, _, _ = self.timed_go(position, "go depth 8")
         if max_field(lines, "tbhits") == 0:
             self.skipTest("this build probes no Syzygy tables yet")
         self.limit(2800)
-        lines, _, _ = self.go(position, "go depth 8")
+        lines, _, _ = self.timed_go(position, "go depth 8")
         self.assertEqual(max_field(lines, "tbhits"), 0)
 
 
