@@ -38,10 +38,11 @@ void ShuffleRootMoves(SearchState& st);
 int32_t EvalNoise(int elo);
 
 // Percent chance (0..85) that the search overlooks move m at this node:
-// long and repeated moves are overlooked more, recaptures never, and the
-// chance grows with the distance from the root. p and l are the moves one
-// and two plies back from the mover's view (our previous move, the
-// opponent's last; 0 or the null move = none).
+// long moves are overlooked more, moves of the piece we moved last time
+// and evasions less, recaptures never, and the chance grows with the
+// distance from the root. p is our previous move (two
+// plies back) and l the opponent's last (one ply back); 0 or the null move
+// stands for none.
 int SkipChance(int elo, const Position& pos, Move m, Move p, Move l, bool in_check, int ply);
 
 // The skip test of a limited node: draws whether the move is overlooked.
