@@ -47,6 +47,20 @@ inline Bitboard BishopAttacks(Square s, Bitboard occ) { return bishop_magics[s].
 inline Bitboard QueenAttacks(Square s, Bitboard occ) { return RookAttacks(s, occ) | BishopAttacks(s, occ); }
 inline int Distance(Square a, Square b) { return distance(a, b); }
 
+// Squares a piece on s attacks with the given occupancy (none for NO_PIECE).
+inline Bitboard PieceAttacks(Piece pc, Square s, Bitboard occ) {
+  switch (type_of(pc)) {
+    case PAWN: return pawn_attacks[color_of(pc)][s];
+    case KNIGHT: return knight_attacks[s];
+    case BISHOP_L:
+    case BISHOP_D: return BishopAttacks(s, occ);
+    case ROOK: return RookAttacks(s, occ);
+    case QUEEN: return QueenAttacks(s, occ);
+    case KING: return king_attacks[s];
+    default: return 0;
+  }
+}
+
 // Squares attacked by each side, and the pieces that alone stand between each
 // king and an enemy slider (pins of the king's side, discovered-check
 // candidates of the other side).

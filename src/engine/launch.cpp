@@ -11,6 +11,7 @@
 #include "eval/pawns.h"
 #include "search/periodic.h"
 #include "search/root.h"
+#include "search/strength.h"
 #include "search/tbhook.h"
 #include "search/thread.h"
 #include "search/tt.h"
@@ -93,10 +94,13 @@ void LaunchSearch(ThreadPool& pool, Move prev, Move last, std::vector<Move>& sea
   SearchState& st = pool.main();
   Position& pos = pool.main_position();
   search_pool = &pool;
-  // Strength limitation is not built yet: a limited "go" runs the normal search.
   const bool limited = OptionTrue("UCI_LimitStrength");
   st.strength_bonus.clear();
   st.elo = 0;
+  if (limited) {
+    st.elo = OptionInt("UCI_Elo");
+    SetUpStrengthLimit(st, pos, prev, last, searchMoves);
+  }
   pool.zero_counters();
   PrepareSearch(st);
   st.root_moves = searchMoves;
@@ -112,10 +116,17 @@ void LaunchSearch(ThreadPool& pool, Move prev, Move last, std::vector<Move>& sea
   if (st.limits.nodes > 0 && st.limits.nodes < st.next_check) st.next_check = st.limits.nodes;
   AllocateTime(st.limits, pos.side_to_move, pos);
 
-  if (st.hasPopcnt)
-    RootSearch<true>(st, pos, prev, last, root_tb_score);
-  else
-    RootSearch<false>(st, pos, prev, last, root_tb_score);
+  if (limited) {
+    ShuffleRootMoves(st);
+    if (st.hasPopcnt)
+      RootSearch<true, true>(st, pos, prev, last, root_tb_score);
+    else
+      RootSearch<false, true>(st, pos, prev, last, root_tb_score);
+  } else if (st.hasPopcnt) {
+    RootSearch<true, false>(st, pos, prev, last, root_tb_score);
+  } else {
+    RootSearch<false, false>(st, pos, prev, last, root_tb_score);
+  }
   searchMoves.clear();
 }
 

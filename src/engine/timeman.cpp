@@ -4,6 +4,9 @@
 
 #include "board/bitboard.h"
 #include "engine/options.h"
+#include "platform/platform.h"
+#include "search/periodic.h"
+#include "search/random.h"
 #include "search/search.h"
 
 namespace vx {
@@ -34,6 +37,18 @@ constexpr int64_t MAX_BUDGET_MS = int64_t(1) << 30;
 void add_extra(TimeManager& tm, int elapsed) {
   tm.count += 1;
   tm.extra = int(std::min<int64_t>(int64_t(tm.extra) + std::min(elapsed / tm.count, tm.target), MAX_BUDGET_MS));
+}
+
+// The wait of a limited search that has spent its budget: until ThinkDelay
+// has passed, but never beyond the hard limit of the clock, in steps of at
+// most 50 ms between which waiting commands ("stop", "quit", "isready", ...)
+// are executed.
+void WaitBeforeMove(SearchState& state, int elapsed) {
+  const int64_t deadline = std::min<int64_t>(int64_t(elapsed) + ThinkDelay(elapsed), time_manager.maximum);
+  for (int64_t now = elapsed; state.stop == 0 && now < deadline; now = ElapsedMs(state)) {
+    platform::sleep_ms(int(std::min<int64_t>(deadline - now, 50)));
+    if (search_pool) search_pool->PollInput();
+  }
 }
 
 }  // namespace
@@ -123,6 +138,25 @@ void TimeEvent(int event, int elapsed, int score) {
       add_extra(tm, elapsed);
       break;
   }
+}
+
+int32_t ThinkDelay(int32_t elapsed) {
+  const int q = Random(0, 1) == 1 ? Random(33, 100) : Random(100, 200);
+  const int64_t t = int64_t(q) * time_manager.target / 100;
+  return t > elapsed ? int32_t(t - elapsed) : 0;
+}
+
+void CheckLimitsLimited(SearchState& state, int phase) {
+  const SearchLimits& limits = state.limits;
+  const int elapsed = ElapsedMs(state);
+  if (limits.movetime > 0 && elapsed >= limits.movetime) {
+    // stop
+  } else if (limits.nodes > 0 && total_nodes(state) >= uint64_t(limits.nodes)) {
+    if (limits.has_clock()) WaitBeforeMove(state, elapsed);
+  } else if (!limits.has_clock() || !TimeUp(phase, elapsed)) {
+    return;
+  }
+  if (state.stop == 0) state.stop = 2;
 }
 
 void CheckLimits(SearchState& state, int phase) {

@@ -51,4 +51,18 @@ void TimeEvent(int event, int elapsed, int score);
 // Sets the stop flags (to 2) when a limit of the search is reached.
 void CheckLimits(SearchState& state, int phase);
 
+// Milliseconds a strength-limited search that has spent its node budget
+// still waits, so that it does not answer at once: a random 33-200 % of the
+// target time, less the time already used.
+int32_t ThinkDelay(int32_t elapsed);
+// The limit check of a strength-limited search: movetime, the node budget
+// (followed, under a clock, by the ThinkDelay wait, which keeps executing
+// commands) and the clock. Pondering does not suspend it.
+void CheckLimitsLimited(SearchState& state, int phase);
+
+template <bool Limited> inline void CheckSearchLimits(SearchState& state, int phase) {
+  if constexpr (Limited) CheckLimitsLimited(state, phase);
+  else CheckLimits(state, phase);
+}
+
 }  // namespace vx

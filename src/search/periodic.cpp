@@ -53,12 +53,16 @@ uint64_t TotalSbHits(const SearchState& st) {
   return SumOverThreads(st, [](const SearchState& s) { return s.sbhits; });
 }
 
+template <bool Limited>
 void PeriodicCheck(SearchState& st, SearchStack* ss) {
   if (st.thread_index != 0) return;
   if (search_pool) search_pool->PollInput();
-  CheckLimits(st, PHASE_TREE);
+  CheckSearchLimits<Limited>(st, PHASE_TREE);
   PrintPeriodicLines(st, ss);
   st.next_check = int64_t(st.nodes) + CHECK_INTERVAL;
 }
+
+template void PeriodicCheck<false>(SearchState&, SearchStack*);
+template void PeriodicCheck<true>(SearchState&, SearchStack*);
 
 }  // namespace vx

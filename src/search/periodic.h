@@ -13,6 +13,8 @@ constexpr int64_t CHECK_INTERVAL = 25000;
 // (null when a search runs without a command loop, as in tests).
 extern ThreadPool* search_pool;
 
+// Limited: the check of a strength-limited search (CheckLimitsLimited).
+template <bool Limited>
 void PeriodicCheck(SearchState& st, SearchStack* ss);
 
 // Counters summed over the threads of the state's pool.

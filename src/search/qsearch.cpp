@@ -15,7 +15,7 @@ constexpr Value DELTA_VALUE[16] = {0, 215, 805, 826, 826, 1337, 2597, 0, 0, 215,
 
 }  // namespace
 
-template <bool HwPopcnt, Color Us, bool PvNode, bool InCheck>
+template <bool HwPopcnt, bool Limited, Color Us, bool PvNode, bool InCheck>
 Value QSearch(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value beta, int qdepth) {
   constexpr Color Them = ~Us;
   constexpr bool NonPv = !PvNode;
@@ -54,7 +54,7 @@ Value QSearch(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Valu
 
   const Value alpha_start = alpha;
   Value best_value = -VALUE_MATE - 1;
-  ss->static_eval = NodeStaticEval<HwPopcnt, InCheck>(st, pos, ai, hit, tte);
+  ss->static_eval = NodeStaticEval<HwPopcnt, Limited, InCheck>(st, pos, ai, hit, tte);
   if constexpr (!InCheck) {
     const Value eval = hit ? RefineEval(ss->static_eval, tte, ply) : ss->static_eval;
     if (eval >= beta) return eval;  // stand pat
@@ -67,6 +67,7 @@ Value QSearch(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Valu
   Move best_move = MOVE_NONE;
 
   while (const Move m = NextMove<Us>(mp)) {
+    if (Limited && OverlooksMove(st, pos, ss, m, InCheck)) continue;
     if (!IsLegal<Us>(pos, m, ai)) continue;
     const bool g = GivesCheck<Us>(pos, m, ai);
     if constexpr (!InCheck) {
@@ -83,8 +84,8 @@ Value QSearch(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Valu
 
     ss->current_move = m;
     pos.DoMove<Us>(m);
-    const Value v = g ? -QSearch<HwPopcnt, Them, PvNode, true>(st, pos, ss + 1, -beta, -alpha, qdepth - 1)
-                      : -QSearch<HwPopcnt, Them, PvNode, false>(st, pos, ss + 1, -beta, -alpha, qdepth - 1);
+    const Value v = g ? -QSearch<HwPopcnt, Limited, Them, PvNode, true>(st, pos, ss + 1, -beta, -alpha, qdepth - 1)
+                      : -QSearch<HwPopcnt, Limited, Them, PvNode, false>(st, pos, ss + 1, -beta, -alpha, qdepth - 1);
     pos.UndoMove<Us>(m);
 
     if (v > best_value) {
@@ -113,14 +114,18 @@ Value QSearch(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Valu
   return best_value;
 }
 
-#define VX_QSEARCH(H, C)                                                                                       \
-  template Value QSearch<H, C, true, false>(SearchState&, Position&, SearchStack*, Value, Value, int);        \
-  template Value QSearch<H, C, true, true>(SearchState&, Position&, SearchStack*, Value, Value, int);         \
-  template Value QSearch<H, C, false, false>(SearchState&, Position&, SearchStack*, Value, Value, int);       \
-  template Value QSearch<H, C, false, true>(SearchState&, Position&, SearchStack*, Value, Value, int);
-VX_QSEARCH(true, WHITE)
-VX_QSEARCH(true, BLACK)
-VX_QSEARCH(false, WHITE)
-VX_QSEARCH(false, BLACK)
+#define VX_QSEARCH(H, L, C)                                                                                    \
+  template Value QSearch<H, L, C, true, false>(SearchState&, Position&, SearchStack*, Value, Value, int);     \
+  template Value QSearch<H, L, C, true, true>(SearchState&, Position&, SearchStack*, Value, Value, int);      \
+  template Value QSearch<H, L, C, false, false>(SearchState&, Position&, SearchStack*, Value, Value, int);    \
+  template Value QSearch<H, L, C, false, true>(SearchState&, Position&, SearchStack*, Value, Value, int);
+VX_QSEARCH(true, false, WHITE)
+VX_QSEARCH(true, false, BLACK)
+VX_QSEARCH(false, false, WHITE)
+VX_QSEARCH(false, false, BLACK)
+VX_QSEARCH(true, true, WHITE)
+VX_QSEARCH(true, true, BLACK)
+VX_QSEARCH(false, true, WHITE)
+VX_QSEARCH(false, true, BLACK)
 
 }  // namespace vx

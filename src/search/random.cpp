@@ -8,12 +8,14 @@ namespace vx {
 
 namespace {
 
+uint64_t SeededState() {
+  uint64_t s;
+  SeedRandom(s, 17);
+  return s;
+}
+
 uint64_t& generator_state() {
-  static uint64_t state = [] {
-    uint64_t s;
-    SeedRandom(s, 17);
-    return s;
-  }();
+  static uint64_t state = SeededState();
   return state;
 }
 
@@ -26,5 +28,7 @@ int Random(int lo, int hi) {
   const uint32_t r = uint32_t(x * 0x2545F4914F6CDD1DULL);
   return lo + int(r % uint32_t(hi - lo + 1));
 }
+
+void ResetRandom() { generator_state() = SeededState(); }
 
 }  // namespace vx

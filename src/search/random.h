@@ -9,4 +9,8 @@ namespace vx {
 // without advancing the state.
 int Random(int lo, int hi);
 
+// Puts the generator back to its first state; only tests use this, play
+// never reseeds it.
+void ResetRandom();
+
 }  // namespace vx

@@ -10,6 +10,7 @@
 #include "search/movepick.h"
 #include "search/periodic.h"
 #include "search/search.h"
+#include "search/strength.h"
 #include "search/tt.h"
 
 namespace vx {
@@ -66,11 +67,30 @@ void SetRecordPv(Move m, const Move* child_pv) {
 
 bool Contains(const std::vector<Move>& list, Move m) { return std::find(list.begin(), list.end(), m) != list.end(); }
 
+Value ClampToWindow(Value v) { return std::clamp(v, -WINDOW_LIMIT, WINDOW_LIMIT); }
+
+// Score of a root move from its child's search with our window (alpha,
+// beta). In limited play the move's bonus is added to the score, so the
+// child's window is shifted by it; decisive scores keep their value.
+template <bool H, bool L, Color Them, bool PvChild>
+Value RootChild(SearchState& st, Position& pos, SearchStack* ss, bool gives_check, Value alpha, Value beta,
+                int depth, Value bonus) {
+  Value lo = -beta, hi = -alpha;
+  if constexpr (L) {
+    lo = ClampToWindow(bonus - beta);
+    hi = ClampToWindow(bonus - alpha);
+  }
+  const Value v = gives_check ? -ChildSearch<H, L, Them, PvChild, true>(st, pos, ss, lo, hi, depth, !PvChild)
+                              : -ChildSearch<H, L, Them, PvChild, false>(st, pos, ss, lo, hi, depth, !PvChild);
+  if constexpr (L) return std::abs(v) >= VALUE_KNOWN_WIN ? v : v + bonus;
+  return v;
+}
+
 // The root node for one line and one window.
-template <bool HwPopcnt, Color Us, bool InCheck>
+template <bool HwPopcnt, bool Limited, Color Us, bool InCheck>
 Value SearchRoot(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value beta, int depth) {
   constexpr Color Them = ~Us;
-  if (++st.nodes > uint64_t(st.next_check)) PeriodicCheck(st, ss);
+  if (++st.nodes > uint64_t(st.next_check)) PeriodicCheck<Limited>(st, ss);
   if (st.stop) return 0;
 
   ss->current_move = MOVE_NONE;
@@ -84,18 +104,8 @@ Value SearchRoot(SearchState& st, Position& pos, SearchStack* ss, Value alpha, V
   if (root.current.pv_length) tt_move = root.current.pv[0];
 
   AttackInfo ai;
-  if constexpr (InCheck) {
-    ss->static_eval = VALUE_INFINITE;
-    ComputeAttackInfo(pos, ai);
-  } else {
-    if (tte.key32 && tte.eval != VALUE_INFINITE) {
-      ss->static_eval = tte.eval;
-      ComputeAttackInfo(pos, ai);
-    } else {
-      ss->static_eval = evaluate<HwPopcnt>(st, pos, ai);
-    }
-    UpdateGains(st, pos, ss);
-  }
+  ss->static_eval = NodeStaticEval<HwPopcnt, Limited, InCheck>(st, pos, ai, tte.key32 != 0, tte);
+  if constexpr (!InCheck) UpdateGains(st, pos, ss);
   const bool improving =
       InCheck || (ss - 2)->static_eval == VALUE_INFINITE || ss->static_eval >= (ss - 2)->static_eval;
 
@@ -111,8 +121,16 @@ Value SearchRoot(SearchState& st, Position& pos, SearchStack* ss, Value alpha, V
   Move child_pv[PV_ARRAY_SIZE];
   const bool single_line = root.multipv == 1;
 
-  while (const Move m = NextMove<Us, true>(mp)) {
+  // Limited play takes the moves of its first iteration in the order of the
+  // shuffled root move list, later ones from the picker.
+  size_t listed = 0;
+  auto next_move = [&]() -> Move {
+    if (Limited && depth == ONE_PLY) return listed < st.root_moves.size() ? st.root_moves[listed++] : MOVE_NONE;
+    return NextMove<Us, true>(mp);
+  };
+  while (const Move m = next_move()) {
     if (!Contains(st.root_moves, m) || Contains(st.excluded, m)) continue;
+    if (Limited && best_move && OverlooksMove(st, pos, ss, m, InCheck)) continue;
     st.table->prefetch(pos.KeyAfter(m));
     if (!IsLegal<Us>(pos, m, ai)) continue;
     ++move_count;
@@ -132,9 +150,9 @@ Value SearchRoot(SearchState& st, Position& pos, SearchStack* ss, Value alpha, V
     pos.DoMove<Us>(m);
     child_pv[0] = MOVE_NONE;
 
+    const Value bonus = Limited ? BonusOf(st, m) : 0;
     auto zero_window = [&](int d) {
-      return g ? ZeroWindowChild<HwPopcnt, Them, true>(st, pos, ss, alpha, d, true)
-               : ZeroWindowChild<HwPopcnt, Them, false>(st, pos, ss, alpha, d, true);
+      return RootChild<HwPopcnt, Limited, Them, false>(st, pos, ss, g, alpha, alpha + 1, d, bonus);
     };
 
     Value v = alpha;
@@ -163,8 +181,7 @@ Value SearchRoot(SearchState& st, Position& pos, SearchStack* ss, Value alpha, V
     if (move_count == 1 || v > alpha) {
       (ss + 1)->pv = child_pv;
       child_pv[0] = MOVE_NONE;
-      v = g ? PvChild<HwPopcnt, Them, true>(st, pos, ss, alpha, beta, nd)
-            : PvChild<HwPopcnt, Them, false>(st, pos, ss, alpha, beta, nd);
+      v = RootChild<HwPopcnt, Limited, Them, true>(st, pos, ss, g, alpha, beta, nd, bonus);
       if (move_count > 1 && v <= alpha && !st.stop) {
         TimeEvent(EVENT_NOT_CONFIRMED, ElapsedMs(st), v);
         if (depth >= 16 && single_line)
@@ -194,7 +211,7 @@ Value SearchRoot(SearchState& st, Position& pos, SearchStack* ss, Value alpha, V
         else alpha = v;
       }
     }
-    if (!st.stop) CheckLimits(st, PHASE_ROOT_MOVE);
+    if (!st.stop) CheckSearchLimits<Limited>(st, PHASE_ROOT_MOVE);
     if (cut) break;
   }
 
@@ -212,11 +229,11 @@ Value SearchRoot(SearchState& st, Position& pos, SearchStack* ss, Value alpha, V
 
 using RootFn = Value (*)(SearchState&, Position&, SearchStack*, Value, Value, int);
 
-template <bool H> RootFn ChooseRoot(const Position& pos, const AttackInfo& ai) {
+template <bool H, bool L> RootFn ChooseRoot(const Position& pos, const AttackInfo& ai) {
   const Color us = pos.side_to_move;
   const bool in_check = ai.attacked_by(~us) & pos.of(us, KING);
-  if (us == WHITE) return in_check ? SearchRoot<H, WHITE, true> : SearchRoot<H, WHITE, false>;
-  return in_check ? SearchRoot<H, BLACK, true> : SearchRoot<H, BLACK, false>;
+  if (us == WHITE) return in_check ? SearchRoot<H, L, WHITE, true> : SearchRoot<H, L, WHITE, false>;
+  return in_check ? SearchRoot<H, L, BLACK, true> : SearchRoot<H, L, BLACK, false>;
 }
 
 void SetUpStack(Move prev, Move last) {
@@ -288,13 +305,13 @@ const PvRecord* RootLines(int& count) {
   return root.lines;
 }
 
-template <bool HwPopcnt>
+template <bool HwPopcnt, bool Limited>
 void RootSearch(SearchState& st, Position& pos, Move prev, Move last, Value root_tb_score) {
   SetUpStack(prev, last);
   SearchStack* const ss = root.stack + ROOT_ENTRY;
   AttackInfo ai;
   ComputeAttackInfo(pos, ai);
-  const RootFn search_root = ChooseRoot<HwPopcnt>(pos, ai);
+  const RootFn search_root = ChooseRoot<HwPopcnt, Limited>(pos, ai);
   SetContempt(st, pos.side_to_move);
 
   root.multipv = OptionInt("MultiPV");
@@ -312,7 +329,9 @@ void RootSearch(SearchState& st, Position& pos, Move prev, Move last, Value root
       const bool has_record = k < root.line_count;
       root.current = has_record ? root.lines[k] : PvRecord{};
       root.current.multipv = 0;
-      Window w = InitialWindow(d, has_record, has_record ? root.lines[k].score : VALUE_INFINITE);
+      // Limited play starts every line with the full window.
+      Window w = Limited ? Window{-WINDOW_LIMIT, WINDOW_LIMIT, ASPIRATION_DELTA}
+                         : InitialWindow(d, has_record, has_record ? root.lines[k].score : VALUE_INFINITE);
       do v = search_root(st, pos, ss, w.alpha, w.beta, d);
       while (!st.stop && WidenWindow(w, v));
       if (root.current.pv_length) InsertCurrentLine(st, n);
@@ -321,7 +340,7 @@ void RootSearch(SearchState& st, Position& pos, Move prev, Move last, Value root
     const int32_t elapsed = ElapsedMs(st);
     PrintIterationSummary(elapsed, TotalNodes(st), TotalTbHits(st), TotalSbHits(st));
     TimeEvent(EVENT_ITERATION_END, elapsed, v);
-    CheckLimits(st, PHASE_ITERATION);
+    CheckSearchLimits<Limited>(st, PHASE_ITERATION);
     if (st.limits.has_clock() && ((st.root_moves.size() == 1 && d >= 60) || MateFoundWithin(v, d))) break;
   }
 
@@ -337,7 +356,9 @@ void RootSearch(SearchState& st, Position& pos, Move prev, Move last, Value root
   PrintBestMove(best.pv[0], best.pv_length > 1 ? best.pv[1] : MOVE_NONE);
 }
 
-template void RootSearch<true>(SearchState&, Position&, Move, Move, Value);
-template void RootSearch<false>(SearchState&, Position&, Move, Move, Value);
+template void RootSearch<true, false>(SearchState&, Position&, Move, Move, Value);
+template void RootSearch<false, false>(SearchState&, Position&, Move, Move, Value);
+template void RootSearch<true, true>(SearchState&, Position&, Move, Move, Value);
+template void RootSearch<false, true>(SearchState&, Position&, Move, Move, Value);
 
 }  // namespace vx

@@ -25,7 +25,10 @@ Window InitialWindow(int depth, bool has_record, Value last_score);
 
 // Runs the whole search of one "go" on the state's thread and writes
 // "bestmove". root_tb_score is 32767 unless a tablebase resolved the root.
-template <bool HwPopcnt>
+// Limited: the strength-limited search (full windows, root move bonuses,
+// the shuffled first iteration); the launch has set up its bonuses, node
+// budget and shuffled root move list.
+template <bool HwPopcnt, bool Limited>
 void RootSearch(SearchState& st, Position& pos, Move prev, Move last, Value root_tb_score);
 
 // The line records the last RootSearch left (best first).

@@ -54,14 +54,14 @@ Value TablebaseScore(SearchState& st, const Position& pos, int wdl, int ply) {
 
 }  // namespace
 
-template <bool HwPopcnt, Color Us, bool PvNode, SearchVariant Variant, bool InCheck>
+template <bool HwPopcnt, bool Limited, Color Us, bool PvNode, SearchVariant Variant, bool InCheck>
 Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value beta, int depth, bool cut_node) {
   constexpr Color Them = ~Us;
   constexpr bool Exclusion = Variant == EXCLUSION;
   constexpr bool NonPv = !PvNode;
   constexpr bool Prunes = NonPv && Variant == NORMAL && !InCheck;
 
-  if (++st.nodes > uint64_t(st.next_check)) PeriodicCheck(st, ss);
+  if (++st.nodes > uint64_t(st.next_check)) PeriodicCheck<Limited>(st, ss);
   if (st.stop) return 0;
   if (pos.IsRule50Draw() || pos.IsRepetition()) return 0;
 
@@ -100,7 +100,8 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
     }
   }
 
-  if (tb_hook.probe_limit && is_tactical(Move((ss - 1)->current_move)) &&
+  // Tablebase probe after a capture or promotion; strength-limited play never probes.
+  if (!Limited && tb_hook.probe_limit && is_tactical(Move((ss - 1)->current_move)) &&
       popcount<HwPopcnt>(pos.occupied()) <= tb_hook.probe_limit) {
     int success = 0;
     const int wdl = tb_hook.probe(pos, success);
@@ -115,7 +116,7 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
   }
 
   Value eval = VALUE_INFINITE;  // the working evaluation
-  ss->static_eval = NodeStaticEval<HwPopcnt, InCheck>(st, pos, ai, hit, tte);
+  ss->static_eval = NodeStaticEval<HwPopcnt, Limited, InCheck>(st, pos, ai, hit, tte);
   if constexpr (!InCheck) {
     eval = hit ? RefineEval(ss->static_eval, tte, ply) : ss->static_eval;
     UpdateGains(st, pos, ss);
@@ -125,9 +126,9 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
     // Razoring: far below alpha at low depth, ask the quiescence search.
     constexpr Bitboard OwnSeventh = Us == WHITE ? 0x00FF000000000000ULL : 0x000000000000FF00ULL;
     if (depth < 16 && eval + 384 + 8 * depth <= alpha && !tt_move && !(pos.of(Us, PAWN) & OwnSeventh)) {
-      if (depth < 8 && eval + 512 <= alpha) return QSearch<HwPopcnt, Us, false, false>(st, pos, ss, alpha, beta, 0);
+      if (depth < 8 && eval + 512 <= alpha) return QSearch<HwPopcnt, Limited, Us, false, false>(st, pos, ss, alpha, beta, 0);
       const Value r = alpha - (8 * depth + 384) / 2;
-      const Value v = QSearch<HwPopcnt, Us, false, false>(st, pos, ss, r, r + 1, 0);
+      const Value v = QSearch<HwPopcnt, Limited, Us, false, false>(st, pos, ss, r, r + 1, 0);
       if (v <= r) return v;
     }
   }
@@ -145,15 +146,15 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
       ss->current_move = MOVE_NULL;
       pos.DoNullMove();
       st.table->prefetch(pos.state->key);
-      Value v = n < ONE_PLY ? -QSearch<HwPopcnt, Them, false, false>(st, pos, ss + 1, -beta, -beta + 1, 0)
-                            : -Search<HwPopcnt, Them, false, PLAIN, false>(st, pos, ss + 1, -beta, -beta + 1, n,
+      Value v = n < ONE_PLY ? -QSearch<HwPopcnt, Limited, Them, false, false>(st, pos, ss + 1, -beta, -beta + 1, 0)
+                            : -Search<HwPopcnt, Limited, Them, false, PLAIN, false>(st, pos, ss + 1, -beta, -beta + 1, n,
                                                                              !cut_node);
       pos.UndoNullMove();
       if (v >= beta) {
         if (v >= VALUE_MATE_BOUND) v = beta;
         if (depth < 48 && std::abs(beta) < VALUE_KNOWN_WIN) return v;
-        const Value w = n < ONE_PLY ? QSearch<HwPopcnt, Us, false, false>(st, pos, ss, beta - 1, beta, 0)
-                                    : Search<HwPopcnt, Us, false, PLAIN, false>(st, pos, ss, beta - 1, beta, n, false);
+        const Value w = n < ONE_PLY ? QSearch<HwPopcnt, Limited, Us, false, false>(st, pos, ss, beta - 1, beta, 0)
+                                    : Search<HwPopcnt, Limited, Us, false, PLAIN, false>(st, pos, ss, beta - 1, beta, n, false);
         if (w >= beta) return w;
       }
     }
@@ -172,8 +173,8 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
         ss->current_move = m;
         pos.DoMove<Us>(m);
         const Value v =
-            g ? -Search<HwPopcnt, Them, false, NORMAL, true>(st, pos, ss + 1, -rbeta, -rbeta + 1, depth - 16, !cut_node)
-              : -Search<HwPopcnt, Them, false, NORMAL, false>(st, pos, ss + 1, -rbeta, -rbeta + 1, depth - 16,
+            g ? -Search<HwPopcnt, Limited, Them, false, NORMAL, true>(st, pos, ss + 1, -rbeta, -rbeta + 1, depth - 16, !cut_node)
+              : -Search<HwPopcnt, Limited, Them, false, NORMAL, false>(st, pos, ss + 1, -rbeta, -rbeta + 1, depth - 16,
                                                                !cut_node);
         pos.UndoMove<Us>(m);
         if (v >= rbeta) return v;
@@ -187,11 +188,11 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
       bool searched = false;
       if constexpr (PvNode) {
         if (depth >= 20) {
-          Search<HwPopcnt, Us, true, PLAIN, InCheck>(st, pos, ss, alpha, beta, depth - 8, false);
+          Search<HwPopcnt, Limited, Us, true, PLAIN, InCheck>(st, pos, ss, alpha, beta, depth - 8, false);
           searched = true;
         }
       } else if (depth >= 32 && ss->static_eval != VALUE_INFINITE && ss->static_eval >= beta - 256) {
-        Search<HwPopcnt, Us, false, PLAIN, false>(st, pos, ss, alpha, beta, depth - 16, true);
+        Search<HwPopcnt, Limited, Us, false, PLAIN, false>(st, pos, ss, alpha, beta, depth - 16, true);
         searched = true;
       }
       if (searched) {
@@ -229,6 +230,7 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
 
   while (const Move m = NextMove<Us>(mp)) {
     if (Exclusion && m == ss->excluded_move) continue;
+    if (Limited && OverlooksMove(st, pos, ss, m, InCheck)) continue;
     st.table->prefetch(pos.KeyAfter(m));
     if (!IsLegal<Us>(pos, m, ai)) continue;
     ++move_count;
@@ -248,7 +250,7 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
       const Value rb = tte.lower - depth;
       const bool test_cut = PvNode ? Variant == PLAIN : cut_node;
       const Value v =
-          Search<HwPopcnt, Us, false, EXCLUSION, InCheck>(st, pos, ss, rb - 1, rb, depth / 2, test_cut);
+          Search<HwPopcnt, Limited, Us, false, EXCLUSION, InCheck>(st, pos, ss, rb - 1, rb, depth / 2, test_cut);
       if (v < rb) ext = 4;
     }
     const int nd = depth - ONE_PLY + ext;
@@ -286,14 +288,14 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
     child_pv[0] = MOVE_NONE;
 
     auto zero_window = [&](int d, bool cut) {
-      return g ? ZeroWindowChild<HwPopcnt, Them, true>(st, pos, ss, alpha, d, cut)
-               : ZeroWindowChild<HwPopcnt, Them, false>(st, pos, ss, alpha, d, cut);
+      return g ? ZeroWindowChild<HwPopcnt, Limited, Them, true>(st, pos, ss, alpha, d, cut)
+               : ZeroWindowChild<HwPopcnt, Limited, Them, false>(st, pos, ss, alpha, d, cut);
     };
     auto pv_search = [&]() {
       (ss + 1)->pv = child_pv;
       child_pv[0] = MOVE_NONE;
-      return g ? PvChild<HwPopcnt, Them, true>(st, pos, ss, alpha, beta, nd)
-               : PvChild<HwPopcnt, Them, false>(st, pos, ss, alpha, beta, nd);
+      return g ? PvChild<HwPopcnt, Limited, Them, true>(st, pos, ss, alpha, beta, nd)
+               : PvChild<HwPopcnt, Limited, Them, false>(st, pos, ss, alpha, beta, nd);
     };
 
     Value v;
@@ -369,21 +371,22 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
   return best_value;
 }
 
-#define VX_SEARCH(H, C, PV, V, IC)                                                                               \
-  template Value Search<H, C, PV, V, IC>(SearchState&, Position&, SearchStack*, Value, Value, int, bool);
-#define VX_SEARCH_SIDE(H, C)                                                                                     \
-  VX_SEARCH(H, C, true, NORMAL, false)                                                                           \
-  VX_SEARCH(H, C, true, PLAIN, false)                                                                            \
-  VX_SEARCH(H, C, true, NORMAL, true)                                                                            \
-  VX_SEARCH(H, C, true, PLAIN, true)                                                                             \
-  VX_SEARCH(H, C, false, NORMAL, false)                                                                          \
-  VX_SEARCH(H, C, false, PLAIN, false)                                                                           \
-  VX_SEARCH(H, C, false, NORMAL, true)                                                                           \
-  VX_SEARCH(H, C, false, EXCLUSION, false)                                                                       \
-  VX_SEARCH(H, C, false, EXCLUSION, true)
-VX_SEARCH_SIDE(true, WHITE)
-VX_SEARCH_SIDE(true, BLACK)
-VX_SEARCH_SIDE(false, WHITE)
-VX_SEARCH_SIDE(false, BLACK)
+#define VX_SEARCH(H, L, C, PV, V, IC)                                                                            \
+  template Value Search<H, L, C, PV, V, IC>(SearchState&, Position&, SearchStack*, Value, Value, int, bool);
+#define VX_SEARCH_SIDE(H, L, C)                                                                                  \
+  VX_SEARCH(H, L, C, true, NORMAL, false)                                                                        \
+  VX_SEARCH(H, L, C, true, PLAIN, false)                                                                         \
+  VX_SEARCH(H, L, C, true, NORMAL, true)                                                                         \
+  VX_SEARCH(H, L, C, true, PLAIN, true)                                                                          \
+  VX_SEARCH(H, L, C, false, NORMAL, false)                                                                       \
+  VX_SEARCH(H, L, C, false, PLAIN, false)                                                                        \
+  VX_SEARCH(H, L, C, false, NORMAL, true)                                                                        \
+  VX_SEARCH(H, L, C, false, EXCLUSION, false)                                                                    \
+  VX_SEARCH(H, L, C, false, EXCLUSION, true)
+#define VX_SEARCH_BUILD(H, L) VX_SEARCH_SIDE(H, L, WHITE) VX_SEARCH_SIDE(H, L, BLACK)
+VX_SEARCH_BUILD(true, false)
+VX_SEARCH_BUILD(false, false)
+VX_SEARCH_BUILD(true, true)
+VX_SEARCH_BUILD(false, true)
 
 }  // namespace vx

@@ -8,6 +8,7 @@
 #include "engine/output.h"
 #include "eval/evaluate.h"
 #include "search/stack.h"
+#include "search/strength.h"
 #include "search/thread.h"
 #include "search/tt.h"
 
@@ -33,25 +34,32 @@ inline int Reduction(int kind, int depth, int move_count) {
   return Reductions[kind][(depth < 256 ? depth : 256) * 64 + (move_count < 64 ? move_count : 64)];
 }
 
-template <bool HwPopcnt, Color Us, bool PvNode, SearchVariant Variant, bool InCheck>
+// Limited: the strength-limited copy (move skipping, evaluation noise, no
+// tablebase probes, the limited limit check); otherwise the full search.
+template <bool HwPopcnt, bool Limited, Color Us, bool PvNode, SearchVariant Variant, bool InCheck>
 Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value beta, int depth, bool cut_node);
 
 // qdepth counts plies below the horizon: 0, -1, -2, ...
-template <bool HwPopcnt, Color Us, bool PvNode, bool InCheck>
+template <bool HwPopcnt, bool Limited, Color Us, bool PvNode, bool InCheck>
 Value QSearch(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value beta, int qdepth);
 
-// Child searches after a move (G: the move gave check): a zero-window search
-// around alpha and a full-window PV search; below one ply the quiescence search.
-template <bool H, Color Them, bool G>
-Value ZeroWindowChild(SearchState& st, Position& pos, SearchStack* ss, Value alpha, int depth, bool cut_node) {
-  if (depth < ONE_PLY) return -QSearch<H, Them, false, G>(st, pos, ss + 1, -alpha - 1, -alpha, 0);
-  return -Search<H, Them, false, NORMAL, G>(st, pos, ss + 1, -alpha - 1, -alpha, depth, cut_node);
+// The search of the child after a move (G: the move gave check) with the
+// child's own window; below one ply the quiescence search.
+template <bool H, bool L, Color Them, bool PvChild, bool G>
+Value ChildSearch(SearchState& st, Position& pos, SearchStack* ss, Value lo, Value hi, int depth, bool cut_node) {
+  if (depth < ONE_PLY) return QSearch<H, L, Them, PvChild, G>(st, pos, ss + 1, lo, hi, 0);
+  return Search<H, L, Them, PvChild, NORMAL, G>(st, pos, ss + 1, lo, hi, depth, cut_node);
 }
 
-template <bool H, Color Them, bool G>
+// A zero-window search around alpha and a full-window PV search, negated.
+template <bool H, bool L, Color Them, bool G>
+Value ZeroWindowChild(SearchState& st, Position& pos, SearchStack* ss, Value alpha, int depth, bool cut_node) {
+  return -ChildSearch<H, L, Them, false, G>(st, pos, ss, -alpha - 1, -alpha, depth, cut_node);
+}
+
+template <bool H, bool L, Color Them, bool G>
 Value PvChild(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value beta, int depth) {
-  if (depth < ONE_PLY) return -QSearch<H, Them, true, G>(st, pos, ss + 1, -beta, -alpha, 0);
-  return -Search<H, Them, true, NORMAL, G>(st, pos, ss + 1, -beta, -alpha, depth, false);
+  return -ChildSearch<H, L, Them, true, G>(st, pos, ss, -beta, -alpha, depth, false);
 }
 
 // The side has a knight, bishop, rook or queen (read from the material key).
@@ -71,16 +79,18 @@ template <Color Us> inline bool IsAdvancedPawnMove(const Position& pos, Move m) 
   return type_of(pos.piece_on(from_sq(m))) == PAWN && (Us == WHITE ? to_sq(m) >= 40 : to_sq(m) <= 23);
 }
 
-// Milliseconds since the search started (the start is kept as 32 bits).
 // Static evaluation of a node, VALUE_INFINITE when in check; the table's
 // stored evaluation is used when it has one. Fills the node's AttackInfo.
-template <bool HwPopcnt, bool InCheck>
+// A limited search adds noise to an evaluation computed after a table miss.
+template <bool HwPopcnt, bool Limited, bool InCheck>
 inline Value NodeStaticEval(SearchState& st, const Position& pos, AttackInfo& ai, bool hit, const TTEntry& tte) {
   if (InCheck || (hit && tte.eval != VALUE_INFINITE)) {
     ComputeAttackInfo(pos, ai);
     return InCheck ? VALUE_INFINITE : tte.eval;
   }
-  return evaluate<HwPopcnt>(st, pos, ai);
+  const Value v = evaluate<HwPopcnt>(st, pos, ai);
+  if constexpr (Limited) return hit ? v : v + EvalNoise(st.elo);
+  return v;
 }
 
 // The working evaluation: the static one tightened by the table's bounds.
@@ -92,6 +102,7 @@ inline Value RefineEval(Value eval, const TTEntry& tte, int ply) {
   return eval;
 }
 
+// Milliseconds since the search started (the start is kept as 32 bits).
 inline int32_t ElapsedMs(const SearchState& st) { return int32_t(uint32_t(Clock()) - st.search_start); }
 
 }  // namespace vx

@@ -64,21 +64,21 @@ struct SearchFixture : testing::Test, test::EngineFixture {
 
 TEST_F(SearchFixture, CheckmateScoresByDistanceFromTheRoot) {
   position.SetFromFen("7k/6Q1/6K1/8/8/8/8/8 b - - 0 1");
-  EXPECT_EQ((Search<true, BLACK, false, NORMAL, true>(*state, position, Node(3), -32501, 32501, 8, false)), -32497);
-  EXPECT_EQ((Search<true, BLACK, true, NORMAL, true>(*state, position, Node(3), -32501, 32501, 8, false)), -32497);
-  EXPECT_EQ((QSearch<true, BLACK, false, true>(*state, position, Node(12), -32501, 32501, -3)), -32488);
+  EXPECT_EQ((Search<true, false, BLACK, false, NORMAL, true>(*state, position, Node(3), -32501, 32501, 8, false)), -32497);
+  EXPECT_EQ((Search<true, false, BLACK, true, NORMAL, true>(*state, position, Node(3), -32501, 32501, 8, false)), -32497);
+  EXPECT_EQ((QSearch<true, false, BLACK, false, true>(*state, position, Node(12), -32501, 32501, -3)), -32488);
 }
 
 TEST_F(SearchFixture, StalemateScoresZero) {
   // A PV node (no razoring before the move loop) finds no legal move.
   position.SetFromFen("7k/5Q2/6K1/8/8/8/8/8 b - - 0 1");
-  EXPECT_EQ((Search<false, BLACK, true, NORMAL, false>(*state, position, Node(1), -100, 100, 8, false)), 0);
+  EXPECT_EQ((Search<false, false, BLACK, true, NORMAL, false>(*state, position, Node(1), -100, 100, 8, false)), 0);
 }
 
 TEST_F(SearchFixture, MateDistancePruningCollapsesTheWindow) {
   position.SetFromFen("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1");
   const uint64_t before = state->nodes;
-  EXPECT_EQ((Search<true, WHITE, false, NORMAL, false>(*state, position, Node(5), 32495, 32501, 40, false)), 32495);
+  EXPECT_EQ((Search<true, false, WHITE, false, NORMAL, false>(*state, position, Node(5), 32495, 32501, 40, false)), 32495);
   EXPECT_EQ(state->nodes, before + 1);  // no move searched
 }
 

@@ -1,0 +1,91 @@
+"""Strength-limited play through the pipe: the node budget ends the search, a
+clock search then waits (never past its clock) while still answering commands,
+and no tablebase is probed."""
+import glob
+import os
+import re
+import sys
+import time
+import unittest
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from test_search import SearchTestCase, is_bestmove  # noqa: E402
+
+ENGINE = sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen"
+# Syzygy tables: $VORLAXEN_SYZYGY_PATH, else the shared folder beside the checkout.
+SYZYGY = os.environ.get("VORLAXEN_SYZYGY_PATH",
+                        os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "shared", "syzygy"))
+
+
+def max_field(lines, name):
+    return max((int(m.group(1)) for m in (re.search(r" %s (\d+)" % name, l) for l in lines) if m), default=0)
+
+
+class Limited(SearchTestCase):
+    def limit(self, elo):
+        self.engine.send("setoption name UCI_LimitStrength value true")
+        self.engine.send("setoption name UCI_Elo value %d" % elo)
+
+    def timed_go(self, position, go):
+        """(lines before "bestmove", the move, seconds until it came)."""
+        self.engine.sync()
+        start = time.monotonic()
+        lines, best, _ = self.go(position, go)
+        return lines, best, time.monotonic() - start
+
+    def test_fixed_depth_ends_after_about_the_budget(self):
+        for elo, budget in ((850, 10 + 6), (1450, 640 + 110)):  # full material
+            self.limit(elo)
+            lines, _, seconds = self.timed_go("position startpos", "go depth 30")
+            self.assertLessEqual(max_field(lines, "nodes"), budget + 40)
+            self.assertLess(seconds, 3.0)  # no clock, no wait
+        moves = {self.go("position startpos moves e2e4", "go depth 30")[1] for _ in range(6)}
+        self.assertGreater(len(moves), 1)  # the generator is never reseeded
+
+    def test_clock_search_waits_but_not_past_its_clock(self):
+        self.limit(850)
+        for _ in range(3):  # target 1038 ms: 342..2076 ms in all
+            seconds = self.timed_go("position startpos", "go wtime 60000 btime 60000")[2]
+            self.assertTrue(0.33 <= seconds < 2.7, seconds)
+        # A target (about 3 s) beyond the clock; the hard limit (330 ms) still holds.
+        self.engine.send("setoption name Time Buffer (sec) value 0")
+        seconds = self.timed_go("position startpos moves e2e4", "go wtime 1000 btime 1000 winc 5000 binc 5000")[2]
+        self.assertLess(seconds, 1.0)
+        self.engine.send("position startpos")
+        self.engine.send("go ponder wtime 5000 btime 5000")  # the budget is spent, then ponderhit
+        time.sleep(0.3)
+        self.engine.send("ponderhit")
+        self.engine.read_until(is_bestmove, 2.0)
+        self.assertEqual(self.go("position fen 7k/6Q1/6K1/8/8/8/8/8 b - - 0 1", "go wtime 100")[1], "0000")
+
+    def start_long_wait(self):
+        self.limit(850)
+        self.engine.send("position startpos")
+        self.engine.send("go wtime 600000 btime 600000")  # target 10.5 s: at least 3.4 s of waiting
+        time.sleep(0.4)
+
+    def test_isready_and_stop_act_during_the_wait(self):
+        self.start_long_wait()
+        self.engine.send("isready")
+        self.assertFalse(any(is_bestmove(l) for l in self.engine.read_until("readyok", 1.0)))
+        self.engine.send("stop")
+        self.engine.read_until(is_bestmove, 1.0)
+
+    def test_quit_acts_during_the_wait(self):
+        self.start_long_wait()
+        self.engine.send("quit")
+        self.assertEqual(self.engine.wait(2.0), 0)
+
+    def test_limited_search_reports_no_tbhits(self):
+        if not glob.glob(os.path.join(SYZYGY, "*.rtbw")):
+            self.skipTest("no Syzygy tables in %s (set VORLAXEN_SYZYGY_PATH)" % SYZYGY)
+        self.engine.send("setoption name Syzygy Path value %s" % os.path.abspath(SYZYGY))
+        position = "position fen 8/8/8/4k3/8/8/1r6/1R2K2R w - - 0 1"  # five men; Rxb2 leaves four
+        if max_field(self.go(position, "go depth 8")[0], "tbhits") == 0:
+            self.skipTest("this build probes no Syzygy tables yet")
+        self.limit(2800)
+        self.assertEqual(max_field(self.go(position, "go depth 8")[0], "tbhits"), 0)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
