@@ -6,6 +6,7 @@
 #include "egdb/base_index.h"
 #include "egdb/base_registry.h"
 #include "egdb/bases.h"
+#include "egdb/library_moves.h"
 #include "egdb/library_position.h"
 
 namespace vx {
@@ -30,9 +31,10 @@ constexpr Square MirrorRank(Square s) { return (s & 7) + (7 - (s >> 3)) * 8; }
 // The board turned upside down with the colours exchanged.
 void MirrorColours(const CChessPosition& p, CChessPosition& out) {
   out.clear();
-  for (Square s = 0; s < 64; ++s) {
+  for (Bitboard b = p.occupied; b;) {
+    const Square s = pop_lsb(b);
     const uint8_t c = p.board[s];
-    if (c) out.put(IsWhiteCode(c) ? uint8_t(c + LIB_BLACK) : uint8_t(c - LIB_BLACK), MirrorRank(s));
+    out.put(IsWhiteCode(c) ? uint8_t(c + LIB_BLACK) : uint8_t(c - LIB_BLACK), MirrorRank(s));
   }
   out.ep_square = p.ep_square ? MirrorRank(p.ep_square) : 0;
   out.set_white_to_move(!p.white_to_move());
@@ -51,24 +53,23 @@ bool ProbeFrom(const CChessPosition& p, int depth, int& result);
 bool AnswerByOnePly(const CChessPosition& q, int depth, int& result) {
   if (depth >= MAX_FALLBACK_DEPTH) return false;
   CChessPosition p = q;
-  uint32_t moves[256];
-  const int n = GenerateLibraryMoves(p, moves);
-  if (n == 0) {
+  bool any = false, win = false, unanswered = false, draw = false;
+  ForEachLegalLibraryMove(p, [&](uint32_t) {
+    int r = 0;
+    const bool answered = ProbeFrom(p, depth + 1, r);
+    any = true;
+    win = answered && r == -1;
+    unanswered |= !answered;
+    draw |= answered && r == 0;
+    return !win;
+  });
+  if (!any) {
     result = LibraryInCheck(p) ? -1 : 0;
     return true;
   }
-  bool unanswered = false, draw = false;
-  for (int i = 0; i < n; ++i) {
-    p.push(moves[i]);
-    int r = 0;
-    const bool answered = ProbeFrom(p, depth + 1, r);
-    p.pop();
-    if (answered && r == -1) {
-      result = 1;
-      return true;
-    }
-    unanswered |= !answered;
-    draw |= answered && r == 0;
+  if (win) {
+    result = 1;
+    return true;
   }
   if (unanswered) return false;
   result = draw ? 0 : -1;
@@ -78,15 +79,8 @@ bool AnswerByOnePly(const CChessPosition& q, int depth, int& result) {
 bool ProbeTable(const CChessPosition& q, int depth, int& result) {
   const BaseTable* t = base_registry.find(MaterialOf(q).signature());
   if (!t) return false;
-  const int black_to_move = q.white_to_move() ? 0 : 1;
-  if (!t->has_part(black_to_move)) return AnswerByOnePly(q, depth, result);
-  const uint64_t full = BaseIndex(CollectBaseMen(q, t->lead_white[black_to_move]), t->pawns);
-  const int sub = BaseSubTableOf(full, t->men);
-  if (sub >= t->subtables) return false;
-  const BasePart& part = t->part[sub][black_to_move];
-  if (!part.diagram.present()) return false;
-  result = 1 - int(WalkDiagram(part.diagram, Permute(BaseLocalIndex(full, t->men), part.perm)));
-  return true;
+  if (!t->has_part(q.white_to_move() ? 0 : 1)) return AnswerByOnePly(q, depth, result);
+  return ProbeStoredPart(*t, q, result);
 }
 
 bool ProbeFrom(const CChessPosition& p, int depth, int& result) {
@@ -126,6 +120,17 @@ int ProbeForSide(const Position& pos, int& success) {
 }
 
 }  // namespace
+
+bool ProbeStoredPart(const BaseTable& t, const CChessPosition& q, int& result) {
+  const int black_to_move = q.white_to_move() ? 0 : 1;
+  const uint64_t full = BaseIndex(CollectBaseMen(q, t.lead_white[black_to_move]), t.pawns);
+  const int sub = BaseSubTableOf(full, t.men);
+  if (sub >= t.subtables) return false;
+  const BasePart& part = t.part[sub][black_to_move];
+  if (!part.diagram.present()) return false;
+  result = 1 - int(WalkDiagram(part.diagram, Permute(BaseLocalIndex(full, t.men), part.perm)));
+  return true;
+}
 
 bool ProbeLibraryPosition(const CChessPosition& pos, int& result) { return ProbeFrom(pos, 0, result); }
 

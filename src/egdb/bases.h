@@ -6,6 +6,7 @@
 namespace vx {
 
 struct Position;
+struct BaseTable;
 class CChessPosition;
 
 // Loads the databases named by a ".tbe" file, an ".ini" list file or a
@@ -31,5 +32,8 @@ BaseFileStatus LoadBaseFile(const std::string& path);
 // The probe from a library position on (colours not yet normalised): true
 // with result 1, 0 or -1 when a table answered.
 bool ProbeLibraryPosition(const CChessPosition& pos, int& result);
+// The walk through the side-to-move part of a given table for a position of
+// its material in its colours; false when that part or sub-table is missing.
+bool ProbeStoredPart(const BaseTable& table, const CChessPosition& pos, int& result);
 
 }  // namespace vx

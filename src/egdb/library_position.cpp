@@ -1,5 +1,7 @@
 #include "egdb/library_position.h"
 
+#include "egdb/library_moves.h"
+
 #include "board/attacks.h"
 
 namespace vx {
@@ -10,69 +12,6 @@ namespace {
 constexpr int CAPTURED_SHIFT = 10;  // library code of the captured man, 4 bits
 constexpr uint32_t EN_PASSANT_BIT = 1u << 14;
 constexpr int OLD_EP_SHIFT = 24;  // previous en-passant square, 6 bits
-
-struct Occupancy {
-  Bitboard all = 0;
-  Bitboard by_code[LIB_CODES] = {};
-};
-
-Occupancy OccupancyOf(const CChessPosition& p) {
-  Occupancy o;
-  for (Square s = 0; s < 64; ++s)
-    if (p.board[s] && p.board[s] < LIB_CODES) {
-      o.all |= sq_bb(s);
-      o.by_code[p.board[s]] |= sq_bb(s);
-    }
-  return o;
-}
-
-constexpr uint8_t Colored(uint8_t type, bool white) { return white ? type : uint8_t(type + LIB_BLACK); }
-
-// Targets of a non-pawn man.
-Bitboard PieceTargets(uint8_t type, Square s, Bitboard occ) {
-  switch (type) {
-    case LIB_KING: return king_attacks[s];
-    case LIB_QUEEN: return QueenAttacks(s, occ);
-    case LIB_ROOK: return RookAttacks(s, occ);
-    case LIB_BISHOP: return BishopAttacks(s, occ);
-    default: return knight_attacks[s];
-  }
-}
-
-struct MoveSink {
-  CChessPosition& p;
-  uint32_t* out;
-  int n = 0;
-  // Keeps the move when it does not leave the mover's king attacked.
-  void add(Square from, Square to, uint8_t promotion = LIB_EMPTY) {
-    const bool white = p.white_to_move();
-    if (n == 256 || p.push(LibraryMove(from, to, promotion)) < 0) return;
-    const bool legal = !LibraryAttacks(p, p.king[white ? 0 : 1], !white);
-    p.pop();
-    if (legal) out[n++] = LibraryMove(from, to, promotion);
-  }
-};
-
-void AddPawnMoves(MoveSink& sink, Square s, const Occupancy& o, Bitboard enemies) {
-  const bool white = sink.p.white_to_move();
-  const int up = white ? 8 : -8;
-  const int last = white ? 7 : 0;
-  auto add = [&](Square to) {
-    if (rank_of(to) != last) return sink.add(s, to);
-    for (uint8_t t : {LIB_QUEEN, LIB_ROOK, LIB_BISHOP, LIB_KNIGHT}) sink.add(s, to, Colored(t, white));
-  };
-  const Square one = s + up;
-  if (one >= 0 && one < 64 && !(o.all & sq_bb(one))) {
-    add(one);
-    const int start = white ? 1 : 6;
-    if (rank_of(s) == start && !(o.all & sq_bb(one + up))) add(one + up);
-  }
-  Bitboard caps = pawn_attacks[white ? WHITE : BLACK][s] & enemies;
-  const Square ep = sink.p.ep_square, victim = white ? ep - 8 : ep + 8;
-  if (ep && victim >= 0 && victim < 64 && !sink.p.board[ep] && sink.p.board[victim] == Colored(LIB_PAWN, !white))
-    caps |= pawn_attacks[white ? WHITE : BLACK][s] & sq_bb(ep);
-  while (caps) add(pop_lsb(caps));
-}
 
 }  // namespace
 
@@ -106,10 +45,14 @@ void CChessPosition::clear() {
   ep_square = 0;
   men = 0;
   counts_valid = true;
+  occupied = 0;
+  for (Bitboard& b : squares_of) b = 0;
 }
 
 void CChessPosition::put(uint8_t code, Square s) {
   board[s] = code;
+  occupied |= sq_bb(s);
+  squares_of[code] |= sq_bb(s);
   ++counts[code];
   ++men;
   if (LibraryType(code) == LIB_KING) king[IsWhiteCode(code) ? 0 : 1] = s;
@@ -132,9 +75,14 @@ int CChessPosition::push(uint32_t move) {
     --counts[captured];
     --men;
     board[taken] = LIB_EMPTY;
+    squares_of[captured] ^= sq_bb(taken);
+    occupied ^= sq_bb(taken);
   }
   board[from] = LIB_EMPTY;
   board[to] = promotion ? promotion : piece;
+  squares_of[piece] ^= sq_bb(from);
+  squares_of[board[to]] ^= sq_bb(to);
+  occupied ^= sq_bb(from) | sq_bb(to);
   if (promotion) {
     --counts[piece];
     ++counts[promotion];
@@ -156,12 +104,17 @@ void CChessPosition::pop() {
     piece = white_to_move() ? LIB_PAWN : LIB_PAWN + LIB_BLACK;
     ++counts[piece];
   }
+  squares_of[board[to]] ^= sq_bb(to);
+  squares_of[piece] ^= sq_bb(from);
+  occupied ^= sq_bb(from) | sq_bb(to);
   board[from] = piece;
   board[to] = LIB_EMPTY;
   if (LibraryType(piece) == LIB_KING) king[IsWhiteCode(piece) ? 0 : 1] = from;
   if (captured) {
     const Square taken = word & EN_PASSANT_BIT ? (white_to_move() ? to - 8 : to + 8) : to;
     board[taken] = captured;
+    squares_of[captured] ^= sq_bb(taken);
+    occupied ^= sq_bb(taken);
     ++counts[captured];
     ++men;
   }
@@ -169,12 +122,11 @@ void CChessPosition::pop() {
 }
 
 bool LibraryAttacks(const CChessPosition& p, Square s, bool by_white) {
-  const Occupancy o = OccupancyOf(p);
-  auto of = [&](uint8_t type) { return o.by_code[Colored(type, by_white)]; };
+  auto of = [&](uint8_t type) { return p.squares_of[LibraryColored(type, by_white)]; };
   return (king_attacks[s] & of(LIB_KING)) || (knight_attacks[s] & of(LIB_KNIGHT)) ||
          (pawn_attacks[by_white ? BLACK : WHITE][s] & of(LIB_PAWN)) ||
-         (RookAttacks(s, o.all) & (of(LIB_ROOK) | of(LIB_QUEEN))) ||
-         (BishopAttacks(s, o.all) & (of(LIB_BISHOP) | of(LIB_QUEEN)));
+         (RookAttacks(s, p.occupied) & (of(LIB_ROOK) | of(LIB_QUEEN))) ||
+         (BishopAttacks(s, p.occupied) & (of(LIB_BISHOP) | of(LIB_QUEEN)));
 }
 
 bool LibraryInCheck(const CChessPosition& p) {
@@ -183,25 +135,12 @@ bool LibraryInCheck(const CChessPosition& p) {
 }
 
 int GenerateLibraryMoves(CChessPosition& p, uint32_t* moves) {
-  const bool white = p.white_to_move();
-  const Occupancy o = OccupancyOf(p);
-  Bitboard own = 0, enemies = 0;
-  for (uint8_t t = LIB_KING; t <= LIB_PAWN; ++t) {
-    own |= o.by_code[Colored(t, white)];
-    if (t != LIB_KING) enemies |= o.by_code[Colored(t, !white)];
-  }
-  MoveSink sink{p, moves};
-  for (Bitboard b = own; b;) {
-    const Square s = pop_lsb(b);
-    const uint8_t type = LibraryType(p.board[s]);
-    if (type == LIB_PAWN) {
-      AddPawnMoves(sink, s, o, enemies);
-      continue;
-    }
-    for (Bitboard t = PieceTargets(type, s, o.all) & ~own & ~o.by_code[Colored(LIB_KING, !white)]; t;)
-      sink.add(s, pop_lsb(t));
-  }
-  return sink.n;
+  int n = 0;
+  ForEachLegalLibraryMove(p, [&](uint32_t move) {
+    moves[n++] = move;
+    return n < 256;
+  });
+  return n;
 }
 
 }  // namespace vx

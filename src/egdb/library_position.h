@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+#include "board/bitboard.h"
 #include "board/types.h"
 
 namespace vx {
@@ -19,6 +20,7 @@ constexpr int LIB_CODES = 13;
 uint8_t LibraryCode(Piece p);
 constexpr bool IsWhiteCode(uint8_t code) { return code >= 1 && code <= 6; }
 constexpr uint8_t LibraryType(uint8_t code) { return code > LIB_BLACK ? uint8_t(code - LIB_BLACK) : code; }
+constexpr uint8_t LibraryColored(uint8_t type, bool white) { return white ? type : uint8_t(type + LIB_BLACK); }
 
 // A library move: one square (the destination) in bits 0-5, the promotion
 // piece's library code in bits 6-9, the other square (the origin) from bit 16.
@@ -58,6 +60,9 @@ class CChessPosition : public CGamePosition {
   Square ep_square = 0;  // 0: none
   int men = 0;
   bool counts_valid = false;
+  // The board again as bitboards, kept with it for the attack tests.
+  Bitboard occupied = 0;
+  Bitboard squares_of[LIB_CODES] = {};
 
   int query() const override { return 0; }
   // Also play the move on the board (captures, en passant, promotions, the

@@ -7,26 +7,22 @@ namespace vx::tbgen {
 
 namespace {
 
-constexpr uint32_t FREE = UINT32_MAX;
+constexpr uint32_t FREE = UINT32_MAX;         // a block of don't-care entries only
+constexpr uint32_t HALF_FREE = UINT32_MAX - 1;  // a pair with one free side, resolved later
 
 struct Node {
   uint32_t lo, hi;
   bool single() const { return hi == lo + 1; }  // stored as one entry
 };
 
-// Open-addressing map from a (lo, hi) pair to a node number.
+// Open-addressing map from a (lo, hi) pair to its node number.
 class PairTable {
  public:
-  explicit PairTable(size_t expected) {
-    size_t n = 1024;
-    while (n < 2 * expected) n *= 2;
-    slots_.assign(n, EMPTY);
-  }
+  PairTable() : slots_(256, EMPTY) {}
   // The number of the pair, appended to nodes when new.
   uint32_t intern(Node pair, std::vector<Node>& nodes) {
     if (2 * (nodes.size() + 1) > slots_.size()) grow(nodes);
-    const uint64_t key = uint64_t(pair.lo) << 32 | pair.hi;
-    for (size_t s = hash(key);; s = (s + 1) & (slots_.size() - 1)) {
+    for (size_t s = hash(pair);; s = (s + 1) & (slots_.size() - 1)) {
       if (slots_[s] == EMPTY) {
         slots_[s] = uint32_t(nodes.size());
         nodes.push_back(pair);
@@ -36,15 +32,23 @@ class PairTable {
       if (n.lo == pair.lo && n.hi == pair.hi) return slots_[s];
     }
   }
+  // Forgets the pairs and enters the nodes as they are now.
+  void rebuild(const std::vector<Node>& nodes) {
+    slots_.assign(256, EMPTY);
+    grow(nodes);
+  }
 
  private:
   static constexpr uint32_t EMPTY = UINT32_MAX;
-  size_t hash(uint64_t key) const { return size_t((key * 0x9E3779B97F4A7C15ULL) >> 20) & (slots_.size() - 1); }
+  size_t hash(Node p) const {
+    return size_t(((uint64_t(p.lo) << 32 | p.hi) * 0x9E3779B97F4A7C15ULL) >> 24) & (slots_.size() - 1);
+  }
   void grow(const std::vector<Node>& nodes) {
-    slots_.assign(slots_.size() * 2, EMPTY);
+    size_t n = slots_.size();
+    while (2 * (nodes.size() + 1) > n) n *= 2;
+    slots_.assign(n, EMPTY);
     for (uint32_t id = 0; id < nodes.size(); ++id) {
-      const uint64_t key = uint64_t(nodes[id].lo) << 32 | nodes[id].hi;
-      size_t s = hash(key);
+      size_t s = hash(nodes[id]);
       while (slots_[s] != EMPTY) s = (s + 1) & (slots_.size() - 1);
       slots_[s] = id;
     }
@@ -52,53 +56,71 @@ class PairTable {
   std::vector<uint32_t> slots_;
 };
 
-// One level under construction: its nodes and, per block, the node (or FREE).
-struct Level {
-  std::vector<Node> nodes;
-  std::vector<uint32_t> uses;  // blocks per node
+// Per block of a level: its node, FREE or HALF_FREE (a view into a buffer
+// that is reused from level to level).
+struct Blocks {
+  uint32_t* data = nullptr;
+  size_t size = 0;
+  uint32_t& operator[](size_t j) const { return data[j]; }
 };
 
-// The nodes above `child`: pairs of neighbouring blocks. A pair with one free
-// side takes the most used node that agrees with its other side, else the
-// node whose free child is the neighbour of the other (a single entry).
-Level PairUp(std::vector<uint32_t>& child, uint32_t below) {
-  const size_t blocks = child.size() / 2;
-  Level level;
-  PairTable table(blocks / 8 + 16);
-  std::vector<uint32_t> parent(blocks);
-  for (size_t j = 0; j < blocks; ++j) {
+// One level under construction: its distinct nodes, how many blocks use each
+// and the blocks.
+struct Level {
+  std::vector<Node> nodes;
+  std::vector<uint32_t> uses;
+  Blocks block;
+  PairTable table;
+};
+
+// The fully given pairs of neighbouring child blocks, into `out`. With few
+// children a direct table of all pairs replaces the hash table.
+void PairUp(const Blocks& child, uint32_t below, uint32_t* out, Level& level) {
+  level.block = {out, child.size / 2};
+  constexpr uint32_t DIRECT = 256;
+  std::vector<uint32_t> direct(below <= DIRECT ? below * below : 0, FREE);
+  for (size_t j = 0; j < level.block.size; ++j) {
     const uint32_t lo = child[2 * j], hi = child[2 * j + 1];
-    parent[j] = lo == FREE || hi == FREE ? FREE : table.intern({lo, hi}, level.nodes);
+    if (lo == FREE || hi == FREE) {
+      level.block[j] = lo == hi ? FREE : HALF_FREE;
+    } else if (below <= DIRECT) {
+      uint32_t& id = direct[lo * below + hi];
+      if (id == FREE) id = level.table.intern({lo, hi}, level.nodes);
+      level.block[j] = id;
+    } else {
+      level.block[j] = level.table.intern({lo, hi}, level.nodes);
+    }
   }
   level.uses.assign(level.nodes.size(), 0);
-  for (uint32_t p : parent)
-    if (p != FREE) ++level.uses[p];
-  // Best node per fixed child for the half-free pairs.
+  for (size_t j = 0; j < level.block.size; ++j)
+    if (level.block[j] < HALF_FREE) ++level.uses[level.block[j]];
+}
+
+// A pair with one free side takes the most used node that agrees with its
+// other side, else the node whose free child is the neighbour of the other
+// one (stored as a single entry). Children are in final numbers by now.
+void ResolveHalfFree(const Blocks& child, uint32_t below, Level& level) {
   std::vector<uint32_t> by_lo(below, FREE), by_hi(below, FREE);
   for (uint32_t id = 0; id < level.nodes.size(); ++id) {
     const Node& n = level.nodes[id];
     if (by_lo[n.lo] == FREE || level.uses[id] > level.uses[by_lo[n.lo]]) by_lo[n.lo] = id;
     if (by_hi[n.hi] == FREE || level.uses[id] > level.uses[by_hi[n.hi]]) by_hi[n.hi] = id;
   }
-  for (size_t j = 0; j < blocks; ++j) {
+  level.table.rebuild(level.nodes);
+  for (size_t j = 0; j < level.block.size; ++j) {
+    if (level.block[j] != HALF_FREE) continue;
     const uint32_t lo = child[2 * j], hi = child[2 * j + 1];
-    if (parent[j] != FREE || (lo == FREE && hi == FREE)) continue;
     if (hi == FREE)
-      parent[j] = by_lo[lo] != FREE ? by_lo[lo] : table.intern({lo, lo + 1 < below ? lo + 1 : lo}, level.nodes);
+      level.block[j] = by_lo[lo] != FREE ? by_lo[lo] : level.table.intern({lo, lo + 1 < below ? lo + 1 : lo}, level.nodes);
     else
-      parent[j] = by_hi[hi] != FREE ? by_hi[hi] : table.intern({hi > 0 ? hi - 1 : hi, hi}, level.nodes);
+      level.block[j] = by_hi[hi] != FREE ? by_hi[hi] : level.table.intern({hi > 0 ? hi - 1 : hi, hi}, level.nodes);
   }
-  level.uses.assign(level.nodes.size(), 0);
-  for (uint32_t p : parent)
-    if (p != FREE) ++level.uses[p];
-  child.swap(parent);
-  return level;
 }
 
 // Numbers for the nodes of `level`: two-entry nodes first, single-entry nodes
 // after them, and within each group chains along the pairs of the level
-// above so that those pairs become consecutive.
-std::vector<uint32_t> OrderNodes(const Level& level, const std::vector<uint32_t>& above_blocks, bool has_above) {
+// above, so that those pairs become consecutive.
+std::vector<uint32_t> OrderNodes(const Level& level, const std::vector<Node>& above) {
   const uint32_t n = uint32_t(level.nodes.size());
   std::vector<uint32_t> succ(n, FREE), pred(n, FREE), chain(n);
   std::iota(chain.begin(), chain.end(), 0u);
@@ -106,18 +128,12 @@ std::vector<uint32_t> OrderNodes(const Level& level, const std::vector<uint32_t>
     while (chain[x] != x) x = chain[x] = chain[chain[x]];
     return x;
   };
-  PairTable seen(above_blocks.size() / 16 + 16);
-  std::vector<Node> pairs;
-  for (size_t j = 0; has_above && j + 1 < above_blocks.size(); j += 2) {
-    const uint32_t lo = above_blocks[j], hi = above_blocks[j + 1];
-    if (lo == FREE || hi == FREE || lo == hi) continue;
-    const size_t before = pairs.size();
-    seen.intern({lo, hi}, pairs);
-    if (pairs.size() == before) continue;
-    if (level.nodes[lo].single() != level.nodes[hi].single() || succ[lo] != FREE || pred[hi] != FREE) continue;
-    const uint32_t a = root(lo), b = root(hi);
+  for (const Node& p : above) {
+    if (p.lo == p.hi || level.nodes[p.lo].single() != level.nodes[p.hi].single()) continue;
+    if (succ[p.lo] != FREE || pred[p.hi] != FREE) continue;
+    const uint32_t a = root(p.lo), b = root(p.hi);
     if (a == b) continue;
-    succ[lo] = hi, pred[hi] = lo, chain[a] = b;
+    succ[p.lo] = p.hi, pred[p.hi] = p.lo, chain[a] = b;
   }
   std::vector<uint32_t> number(n, FREE);
   uint32_t next = 0;
@@ -130,7 +146,7 @@ std::vector<uint32_t> OrderNodes(const Level& level, const std::vector<uint32_t>
 
 uint32_t BitLength(uint32_t v) { return v ? 32 - uint32_t(__builtin_clz(v)) : 0; }
 
-// The packed level of nodes already in their final order.
+// The packed level of nodes in their final order.
 DiagramLevel PackLevel(const std::vector<Node>& nodes) {
   std::vector<uint32_t> entries;
   uint32_t threshold = 0;
@@ -156,26 +172,33 @@ DiagramLevel PackLevel(const std::vector<Node>& nodes) {
 
 }  // namespace
 
-DecisionDiagram BuildDiagram(const std::vector<uint8_t>& table, int bits) {
-  std::vector<uint32_t> blocks(table.size());
-  bool any = false;
-  for (size_t i = 0; i < table.size(); ++i) {
-    blocks[i] = table[i] == DONT_CARE ? FREE : table[i];
-    any |= blocks[i] != FREE;
-  }
-  if (!any) blocks[0] = 1;  // nothing reachable: answer draw
+DecisionDiagram BuildDiagram(std::vector<uint32_t>& values, int bits) {
+  if (std::all_of(values.begin(), values.end(), [](uint32_t v) { return v == FREE; })) values[0] = 1;
+  std::vector<uint32_t> spare(values.size() / 2);
+  Blocks child{values.data(), values.size()};
+  uint32_t* free_buffer = spare.data();
   DecisionDiagram d;
   d.levels.resize(size_t(bits));
-  Level level = PairUp(blocks, 3);
+  Level level;
+  PairUp(child, 3, free_buffer, level);
+  ResolveHalfFree(child, 3, level);
   for (int i = 1; i <= bits; ++i) {
-    // Level i - 1 is complete once the pairs above it are known: number it.
-    const std::vector<uint32_t> number = OrderNodes(level, blocks, i < bits);
+    // The blocks of level i - 1 become the children of level i.
+    free_buffer = child.data;
+    child = level.block;
+    Level above;
+    if (i < bits) PairUp(child, uint32_t(level.nodes.size()), free_buffer, above);
+    // Level i - 1 gets its final numbers once the pairs above it are known.
+    const std::vector<uint32_t> number = OrderNodes(level, above.nodes);
     std::vector<Node> ordered(level.nodes.size());
     for (uint32_t id = 0; id < level.nodes.size(); ++id) ordered[number[id]] = level.nodes[id];
     d.levels[size_t(i - 1)] = PackLevel(ordered);
-    for (uint32_t& b : blocks)
-      if (b != FREE) b = number[b];
-    if (i < bits) level = PairUp(blocks, uint32_t(ordered.size()));
+    if (i == bits) break;
+    for (size_t j = 0; j < child.size; ++j)
+      if (child[j] != FREE) child[j] = number[child[j]];
+    for (Node& n : above.nodes) n = {number[n.lo], number[n.hi]};
+    ResolveHalfFree(child, uint32_t(ordered.size()), above);
+    level = std::move(above);
   }
   return d;
 }

@@ -14,10 +14,12 @@ namespace vx::tbgen {
 // Truth-table values: the stored values 0 win, 1 draw, 2 loss, and entries
 // no probe reaches.
 constexpr uint8_t DONT_CARE = 3;
+// The same in the builder's input.
+constexpr uint32_t DONT_CARE_ENTRY = UINT32_MAX;
 
-// The diagram of a table of 2^bits values indexed by the permuted index
-// (level i tests bit i).
-DecisionDiagram BuildDiagram(const std::vector<uint8_t>& table, int bits);
+// The diagram of 2^bits values indexed by the permuted index (level i tests
+// bit i): 0, 1, 2 or DONT_CARE_ENTRY. The values are used up as work space.
+DecisionDiagram BuildDiagram(std::vector<uint32_t>& values, int bits);
 
 // Bytes the diagram takes in a file record (levels with their headers and
 // thresholds, without the name and permutation).

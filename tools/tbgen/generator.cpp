@@ -7,23 +7,25 @@
 #include <fstream>
 #include <ostream>
 
-#include "egdb/base_index.h"
 #include "egdb/bases.h"
+#include "tools/tbgen/encoder.h"
+#include "tools/tbgen/left_out.h"
 #include "tools/tbgen/materials.h"
-#include "tools/tbgen/part_table.h"
-#include "tools/tbgen/tbe_writer.h"
-#include "tools/tbgen/variable_order.h"
 #include "tools/tbgen/verify.h"
 
 namespace vx::tbgen {
 
 namespace {
 
-double SecondsSince(std::chrono::steady_clock::time_point start) {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
+using Clock = std::chrono::steady_clock;
+
+double SecondsSince(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
 
 std::string FileName(const BaseMaterial& m) { return m.name() + ".tbe"; }
+
+std::string PathOf(const GeneratorOptions& o, const BaseMaterial& m) {
+  return (std::filesystem::path(o.out_dir) / FileName(m)).string();
+}
 
 std::string Fixed(double v, int decimals) {
   char buf[64];
@@ -31,34 +33,7 @@ std::string Fixed(double v, int decimals) {
   return buf;
 }
 
-// The records of one side-to-move part: every sub-table around the leading
-// king that gives the smaller total.
-std::vector<TableRecord> EncodePart(const Solution& s, Color stm, const GeneratorOptions& o) {
-  const SolverLayout& l = s.layout;
-  const int bits = BaseIndexBits(l.men, l.pawns);
-  const int subtables = BaseSubTables(l.men, l.pawns);
-  std::vector<TableRecord> best;
-  uint64_t best_bytes = UINT64_MAX;
-  // A Black-to-move part is always built around the black king (its name
-  // cannot say otherwise); White to move tries both kings.
-  for (const bool lead_white : {true, false}) {
-    if (stm == BLACK && lead_white) continue;
-    std::vector<TableRecord> records;
-    uint64_t bytes = 0;
-    for (int sub = 0; sub < subtables; ++sub) {
-      const std::vector<uint8_t> table = PartTable(s, stm, lead_white, sub, o.threads);
-      PermutedDiagram d = SmallestDiagram(table, bits, l.men - 1, o.refine);
-      TableRecord r;
-      r.name = {l.material.name(), sub, lead_white, stm == WHITE};
-      std::copy(d.perm, d.perm + 32, r.perm);
-      r.diagram = std::move(d.diagram);
-      bytes += d.bytes;
-      records.push_back(std::move(r));
-    }
-    if (bytes < best_bytes) best_bytes = bytes, best = std::move(records);
-  }
-  return best;
-}
+const char* PartName(int side) { return side == WHITE ? "White to move" : "Black to move"; }
 
 // Adds the written files to the directory's list, keeping what it held.
 bool UpdateList(const std::string& dir, const std::vector<std::string>& files, std::string& error) {
@@ -102,19 +77,44 @@ void DropUnneeded(SolutionStore& store, const std::vector<BaseMaterial>& order, 
   }
 }
 
+bool WriteParts(const std::string& path, const EncodedPart* parts, int left_out, std::string& error) {
+  std::vector<TableRecord> records;
+  for (const int side : {0, 1})
+    if (side != left_out) records.insert(records.end(), parts[side].records.begin(), parts[side].records.end());
+  return WriteBaseFile(path, records, error);
+}
+
+// A file just written, read back through the engine's loader alone.
+bool LoadAlone(const std::string& path, std::string& error) {
+  FreeVorlaxenbases();
+  if (LoadBaseFile(path) == BaseFileStatus::LOADED) return true;
+  error = path + ": the engine's loader rejects the file just written";
+  return false;
+}
+
+bool Failed(const VerifyResult& v, const std::string& path, std::string& error) {
+  if (!v.mismatches) return false;
+  error = path + ": verification failed, " + std::to_string(v.mismatches) + " probes differ from the solver; first: " + v.first;
+  return true;
+}
+
 }  // namespace
 
 bool GenerateBases(const std::vector<BaseMaterial>& wanted, const GeneratorOptions& o,
                    std::vector<MaterialReport>& reports, std::string& error) {
   if (!PrepareDirectory(o.out_dir, error)) return false;
   const std::vector<BaseMaterial> order = SolveOrder(wanted);
+  const EncodeOptions encode{o.threads, o.refine};
   SolutionStore store;
-  std::vector<std::string> written;
-  const auto run_start = std::chrono::steady_clock::now();
+  std::vector<std::array<EncodedPart, 2>> encoded(order.size());
+  const auto run_start = Clock::now();
+
+  // First pass: solve, encode both parts, write, read back and probe every
+  // position against the solver.
   for (size_t i = 0; i < order.size(); ++i) {
     MaterialReport rep;
     rep.name = order[i].name();
-    auto t = std::chrono::steady_clock::now();
+    auto t = Clock::now();
     SolveStats stats;
     std::unique_ptr<Solution> s = Solve(LayoutOf(order[i]), store, o.threads, stats);
     if (!s) {
@@ -125,39 +125,67 @@ bool GenerateBases(const std::vector<BaseMaterial>& wanted, const GeneratorOptio
     rep.passes = stats.passes;
     rep.legal = stats.legal;
 
-    t = std::chrono::steady_clock::now();
-    std::vector<TableRecord> records = EncodePart(*s, WHITE, o);
-    for (TableRecord& r : EncodePart(*s, BLACK, o)) records.push_back(std::move(r));
-    const std::string path = (std::filesystem::path(o.out_dir) / FileName(order[i])).string();
-    if (!WriteBaseFile(path, records, error)) return false;
-    rep.file_bytes = std::filesystem::file_size(path);
+    t = Clock::now();
+    encoded[i] = {EncodePart(*s, WHITE, encode), EncodePart(*s, BLACK, encode)};
+    const std::string path = PathOf(o, order[i]);
+    if (!WriteParts(path, encoded[i].data(), -1, error)) return false;
     rep.encode_seconds = SecondsSince(t);
 
-    t = std::chrono::steady_clock::now();
-    FreeVorlaxenbases();
-    if (LoadBaseFile(path) != BaseFileStatus::LOADED) {
-      error = path + ": the engine's loader rejects the file just written";
-      return false;
-    }
+    t = Clock::now();
+    if (!LoadAlone(path, error)) return false;
     const VerifyResult v = VerifyMaterial(*s, o.threads);
     FreeVorlaxenbases();
     rep.verify_seconds = SecondsSince(t);
     rep.probed = v.probed;
-    if (v.mismatches) {
-      error = path + ": verification failed, " + std::to_string(v.mismatches) + " probes differ from the solver; first: " + v.first;
-      return false;
-    }
-    written.push_back(FileName(order[i]));
+    if (Failed(v, path, error)) return false;
     store.add(std::move(s));
     DropUnneeded(store, order, i);
     if (o.log)
       *o.log << "[" << i + 1 << "/" << order.size() << "] " << rep.name << ": " << rep.legal << " positions, "
              << rep.passes << " passes, solved in " << Fixed(rep.solve_seconds, 2) << " s ("
-             << Fixed(rep.legal / std::max(rep.solve_seconds, 1e-3) / 1e6, 2) << " M positions/s), "
-             << rep.file_bytes << " bytes in " << Fixed(rep.encode_seconds, 2) << " s, " << rep.probed
-             << " probes verified in " << Fixed(rep.verify_seconds, 2) << " s; " << Fixed(SecondsSince(run_start), 1)
-             << " s so far" << std::endl;
+             << Fixed(rep.legal / std::max(rep.solve_seconds, 1e-3) / 1e6, 2) << " M positions/s); parts of "
+             << encoded[i][WHITE].bytes << " + " << encoded[i][BLACK].bytes << " bytes in "
+             << Fixed(rep.encode_seconds, 2) << " s; " << rep.probed << " positions verified in "
+             << Fixed(rep.verify_seconds, 2) << " s; " << Fixed(SecondsSince(run_start), 1) << " s so far" << std::endl;
     reports.push_back(rep);
+  }
+
+  // Second pass: leave out the parts the one-ply search answers best, and
+  // probe every position of those parts through it.
+  std::vector<int> left_out(order.size(), -1);
+  if (!o.keep_both) {
+    std::vector<PartSizes> sizes;
+    for (size_t i = 0; i < order.size(); ++i) sizes.push_back({order[i], {encoded[i][0].bytes, encoded[i][1].bytes}});
+    left_out = ChoosePartsToLeaveOut(sizes);
+  }
+  if (std::any_of(left_out.begin(), left_out.end(), [](int side) { return side >= 0; })) {
+    for (size_t i = 0; i < order.size(); ++i)
+      if (left_out[i] >= 0 && !WriteParts(PathOf(o, order[i]), encoded[i].data(), left_out[i], error)) return false;
+    FreeVorlaxenbases();
+    for (const BaseMaterial& m : order)
+      if (LoadBaseFile(PathOf(o, m)) != BaseFileStatus::LOADED) {
+        error = PathOf(o, m) + ": the engine's loader rejects the file just written";
+        return false;
+      }
+    for (size_t i = 0; i < order.size(); ++i) {
+      if (left_out[i] < 0) continue;
+      const auto t = Clock::now();
+      const std::vector<TableRecord>& records = encoded[i][size_t(left_out[i])].records;
+      const VerifyResult v = VerifyLeftOutPart(LayoutOf(order[i]), *TableOf(order[i], records), Color(left_out[i]), o.threads);
+      if (Failed(v, PathOf(o, order[i]), error)) return false;
+      reports[i].left_out = left_out[i];
+      reports[i].verify_seconds += SecondsSince(t);
+      if (o.log)
+        *o.log << order[i].name() << ": " << PartName(left_out[i]) << " left out (" << encoded[i][size_t(left_out[i])].bytes
+               << " bytes); its " << v.probed << " positions verified through the one-ply search in "
+               << Fixed(SecondsSince(t), 2) << " s" << std::endl;
+    }
+    FreeVorlaxenbases();
+  }
+  std::vector<std::string> written;
+  for (size_t i = 0; i < order.size(); ++i) {
+    reports[i].file_bytes = std::filesystem::file_size(PathOf(o, order[i]));
+    written.push_back(FileName(order[i]));
   }
   return UpdateList(o.out_dir, written, error);
 }

@@ -3,6 +3,7 @@
 // engine's loader and probe every position, and list the files in bases.ini.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <iosfwd>
 #include <string>
@@ -15,7 +16,8 @@ namespace vx::tbgen {
 struct GeneratorOptions {
   std::string out_dir = ".";
   int threads = 1;
-  int refine = 2;            // rounds of variable-order refinement per diagram
+  int refine = 1;            // rounds of variable-order refinement per diagram
+  bool keep_both = false;    // never leave a side-to-move part out
   std::ostream* log = nullptr;  // progress lines, or none
 };
 
@@ -26,6 +28,7 @@ struct MaterialReport {
   int passes = 0;
   double solve_seconds = 0, encode_seconds = 0, verify_seconds = 0;
   uint64_t probed = 0;
+  int left_out = -1;  // the side-to-move part left out (WHITE, BLACK) or -1
 };
 
 // False with a message on the first failure (directory, file, verification).

@@ -1,7 +1,7 @@
 // vorlaxen-tbgen: makes Vorlaxenbases files.
 //
-//   vorlaxen-tbgen [--out DIR] [--threads N] MATERIAL...
-//   vorlaxen-tbgen [--out DIR] [--threads N] --all N
+//   vorlaxen-tbgen [--out DIR] [--threads N] [--refine N] [--keep-both] MATERIAL...
+//   vorlaxen-tbgen [--out DIR] [--threads N] [--refine N] [--keep-both] --all N
 #include <iostream>
 #include <string>
 #include <thread>
@@ -14,9 +14,14 @@
 namespace {
 
 constexpr const char* USAGE =
-    "usage: vorlaxen-tbgen [--out DIR] [--threads N] MATERIAL...\n"
-    "       vorlaxen-tbgen [--out DIR] [--threads N] --all N    (N = 3, 4 or 5)\n"
-    "MATERIAL: k, White's pieces, k, Black's pieces, e.g. krk kqkr kpk kbnk\n";
+    "usage: vorlaxen-tbgen [OPTIONS] MATERIAL...\n"
+    "       vorlaxen-tbgen [OPTIONS] --all N       every material of 3 to N men (N = 3, 4 or 5)\n"
+    "MATERIAL: k, White's pieces, k, Black's pieces, e.g. krk kqkr kpk kbnk\n"
+    "OPTIONS:\n"
+    "  --out DIR      where the .tbe files and bases.ini go (default: the current directory)\n"
+    "  --threads N    worker threads (default: all processors)\n"
+    "  --refine N     rounds of variable-order refinement per diagram (default 1; more is smaller and slower)\n"
+    "  --keep-both    keep both side-to-move parts of every table (faster probes, larger files)\n";
 
 int Fail(const std::string& message, int status) {
   std::cerr << "vorlaxen-tbgen: " << message << "\n";
@@ -46,6 +51,10 @@ int main(int argc, char** argv) {
       options.out_dir = args[++i];
     } else if (a == "--threads" && has_value) {
       if (!ParseCount(args[++i], 1, 256, options.threads)) return Fail("--threads wants a number from 1 to 256", 2);
+    } else if (a == "--refine" && has_value) {
+      if (!ParseCount(args[++i], 0, 20, options.refine)) return Fail("--refine wants a number from 0 to 20", 2);
+    } else if (a == "--keep-both") {
+      options.keep_both = true;
     } else if (a == "--all" && has_value) {
       int men = 0;
       if (!ParseCount(args[++i], 3, MAX_GENERATED_MEN, men)) return Fail("--all wants 3, 4 or 5", 2);

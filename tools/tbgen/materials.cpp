@@ -59,28 +59,38 @@ std::vector<BaseMaterial> AllMaterials(int max_men) {
   return all;
 }
 
+std::vector<BaseMaterial> ConversionsBy(const BaseMaterial& m, int mover) {
+  std::vector<BaseMaterial> out;
+  auto add = [&](const BaseMaterial& x) {
+    if (std::find(out.begin(), out.end(), x) == out.end()) out.push_back(x);
+  };
+  const int them = 1 - mover;
+  for (int k = 0; k < BASE_KINDS; ++k) {
+    if (!m.count[them][k]) continue;
+    BaseMaterial captured = m;
+    --captured.count[them][k];
+    add(captured);
+  }
+  if (!m.count[mover][BASE_PAWN]) return out;
+  for (int q = BASE_QUEEN; q <= BASE_KNIGHT; ++q) {
+    BaseMaterial promoted = m;
+    --promoted.count[mover][BASE_PAWN];
+    ++promoted.count[mover][q];
+    add(promoted);
+    for (int v = BASE_QUEEN; v <= BASE_KNIGHT; ++v) {
+      if (!promoted.count[them][v]) continue;
+      BaseMaterial both = promoted;
+      --both.count[them][v];
+      add(both);
+    }
+  }
+  return out;
+}
+
 std::vector<BaseMaterial> Conversions(const BaseMaterial& m) {
   std::vector<BaseMaterial> out;
-  for (int c = 0; c < 2; ++c)
-    for (int k = 0; k < BASE_KINDS; ++k) {
-      if (!m.count[c][k]) continue;
-      BaseMaterial captured = m;
-      --captured.count[c][k];
-      AddUnique(out, captured);
-      if (k != BASE_PAWN) continue;
-      for (int q = BASE_QUEEN; q <= BASE_KNIGHT; ++q) {
-        BaseMaterial promoted = m;
-        --promoted.count[c][BASE_PAWN];
-        ++promoted.count[c][q];
-        AddUnique(out, promoted);
-        for (int v = BASE_QUEEN; v <= BASE_KNIGHT; ++v) {
-          if (!promoted.count[1 - c][v]) continue;
-          BaseMaterial both = promoted;
-          --both.count[1 - c][v];
-          AddUnique(out, both);
-        }
-      }
-    }
+  for (int mover = 0; mover < 2; ++mover)
+    for (const BaseMaterial& c : ConversionsBy(m, mover)) AddUnique(out, c);
   return out;
 }
 

@@ -23,7 +23,11 @@ bool ParseMaterialArgument(const std::string& text, BaseMaterial& out, std::stri
 // Every material of three to max_men men, by number of men, then by name.
 std::vector<BaseMaterial> AllMaterials(int max_men);
 
-// The materials of at least three men that one capture or promotion leads to.
+// The materials (in this material's colours, possibly bare kings) that one
+// capture or promotion by `mover` leads to.
+std::vector<BaseMaterial> ConversionsBy(const BaseMaterial& m, int mover);
+// The materials of at least three men, stored orientation, that one capture
+// or promotion by either side leads to.
 std::vector<BaseMaterial> Conversions(const BaseMaterial& m);
 
 // The wanted materials and all they convert into, each after its conversions.

@@ -16,26 +16,34 @@ int ForEachMove(const SolverLayout& l, const SolverPosition& p, Color stm, Same&
   ManList m;
   m.n = l.men;
   for (int i = 0; i < l.men; ++i) m.piece[i] = l.piece[i], m.sq[i] = p.sq[i];
-  const SolverBoards b = BoardsOf(m);
+  const SolverBoards b = BoardsOf(l, p);
   const Bitboard enemies = b.by_color[~stm] & ~sq_bb(b.king[~stm]);
   int legal = 0;
 
-  // Plays man i to `to`, removing man `taken` (or none) and promoting to `promo` (or not).
+  // Plays man i to `to`, removing man `taken` (or none) and promoting to
+  // `promo` (or not), when that leaves the mover's king safe.
   auto play = [&](int i, Square to, int taken, Piece promo) {
-    ManList r = m;
-    r.sq[i] = to;
-    if (promo) r.piece[i] = promo;
-    if (taken >= 0) {
-      for (int j = taken; j + 1 < r.n; ++j) r.piece[j] = r.piece[j + 1], r.sq[j] = r.sq[j + 1];
-      --r.n;
-    }
-    const SolverBoards after = BoardsOf(r);
-    if (Attacked(after, after.king[stm], ~stm)) return;
+    const Square from = p.sq[i];
+    const Bitboard removed = taken >= 0 ? sq_bb(p.sq[taken]) : 0;
+    const Bitboard occupied = ((b.occupied ^ sq_bb(from)) & ~removed) | sq_bb(to);
+    const Square king = type_of(l.piece[i]) == KING ? to : b.king[stm];
+    if (AttackedAfter(b, king, ~stm, occupied, removed)) return;
     ++legal;
-    if (taken >= 0 || promo) return convert(r);
+    if (taken >= 0 || promo) {
+      ManList r = m;
+      r.sq[i] = to;
+      if (promo) r.piece[i] = promo;
+      if (taken >= 0) {
+        for (int j = taken; j + 1 < r.n; ++j) r.piece[j] = r.piece[j + 1], r.sq[j] = r.sq[j + 1];
+        --r.n;
+      }
+      return convert(r);
+    }
     SolverPosition q;
-    for (int j = 0; j < l.men; ++j) q.sq[j] = r.sq[j];
-    if (type_of(l.piece[i]) == PAWN && (to ^ p.sq[i]) == 16 && EnPassantPossible(after, to, stm)) q.ep = i;
+    for (int j = 0; j < l.men; ++j) q.sq[j] = p.sq[j];
+    q.sq[i] = to;
+    // A double step that a pawn can answer en passant.
+    if (type_of(l.piece[i]) == PAWN && (to ^ from) == 16 && (pawn_attacks[stm][(to + from) / 2] & b.pawns[~stm])) q.ep = i;
     same(q);
   };
   auto man_on = [&](Square s) {
@@ -87,9 +95,13 @@ void ForEachPredecessor(const SolverLayout& l, const SolverPosition& p, Color st
   const Color mover = ~stm;
   // The position before the move, and the same with each pawn of stm that
   // may have made a double step just before marked.
+  const SolverBoards b = BoardsOf(l.piece, p.sq, l.men);
+  // Pawns of stm on the rank a double step reaches, beside a pawn of the mover.
+  const Bitboard double_stepped = b.pawns[stm] & rank_bb(stm == WHITE ? 3 : 4);
+  const bool may_mark = double_stepped && b.pawns[mover];
   auto emit = [&](const SolverPosition& x) {
     pred(x);
-    if (!l.pawns) return;
+    if (!may_mark) return;
     const SolverBoards bx = BoardsOf(l.piece, x.sq, l.men);
     if (!bx.pawns[mover]) return;
     for (int k = 2; k < l.men; ++k)
@@ -100,7 +112,6 @@ void ForEachPredecessor(const SolverLayout& l, const SolverPosition& p, Color st
         pred(marked);
       }
   };
-  const SolverBoards b = BoardsOf(l.piece, p.sq, l.men);
   const int back = mover == WHITE ? -8 : 8;
   if (p.ep >= 0) {
     SolverPosition x = p;

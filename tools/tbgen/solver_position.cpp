@@ -16,14 +16,15 @@ constexpr PieceType KIND_TYPE[BASE_KINDS] = {QUEEN, ROOK, BISHOP_L, KNIGHT, PAWN
 constexpr int MarkRank(Color stm) { return stm == WHITE ? 7 : 0; }
 constexpr int MarkShift(Color stm) { return stm == WHITE ? 24 : -24; }
 
-BaseMen MenOf(const SolverLayout& l, const SolverPosition& p, Color stm, int transform, bool lead_white = true) {
+// The men as the probe collects them, the marked pawn entered.
+BaseMen MenOf(const SolverLayout& l, const SolverPosition& p, Color stm, bool lead_white) {
   BaseMen m;
-  m.lead = Transformed(transform, p.sq[lead_white ? 0 : 1]);
-  m.other = Transformed(transform, p.sq[lead_white ? 1 : 0]);
+  m.lead = p.sq[lead_white ? 0 : 1];
+  m.other = p.sq[lead_white ? 1 : 0];
   m.pieces = l.men - 2;
   for (int i = 2; i < l.men; ++i) {
     m.slot[i - 2] = l.slot[i];
-    m.square[i - 2] = Transformed(transform, i == p.ep ? p.sq[i] + MarkShift(stm) : p.sq[i]);
+    m.square[i - 2] = i == p.ep ? p.sq[i] + MarkShift(stm) : p.sq[i];
   }
   return m;
 }
@@ -43,6 +44,7 @@ SolverLayout LayoutOf(const BaseMaterial& m) {
         l.slot[l.men++] = uint8_t(c * BASE_KINDS + kind);
       }
   l.size = uint64_t(BaseKingIndices(l.pawns)) << (6 * (l.men - 1));
+  for (int i = 3; i < l.men; ++i) l.like_men |= l.slot[i] == l.slot[i - 1];
   return l;
 }
 
@@ -64,17 +66,24 @@ SolverPosition DecodeLed(const SolverLayout& l, uint64_t index, Color stm, bool 
 }
 
 uint64_t CanonicalIndex(const SolverLayout& l, const SolverPosition& p, Color stm) {
-  const uint64_t index = BaseIndex(MenOf(l, p, stm, 0), l.pawns);
-  if (l.pawns) return index;
-  const int t = BaseTransform(false, p.sq[0]);
-  const Square lead = Transformed(t, p.sq[0]);
-  if (rank_of(lead) != file_of(lead)) return index;
-  // The leading king on the diagonal: its mirror image is the same position.
-  BaseMen twin = MenOf(l, p, stm, t);
-  twin.other = Transformed(4, twin.other);
-  for (int i = 0; i < twin.pieces; ++i) twin.square[i] = Transformed(4, twin.square[i]);
-  const uint64_t other = BaseIndex(twin, false);
-  return other < index ? other : index;
+  // The squares normalised around the white king, the marked pawn entered.
+  const uint8_t* apply = BASE_INDEX_TABLES.apply[BaseTransform(l.pawns, p.sq[0])];
+  Square sq[MAX_SOLVER_MEN] = {};
+  for (int i = 0; i < l.men; ++i) sq[i] = apply[i == p.ep ? p.sq[i] + MarkShift(stm) : p.sq[i]];
+  auto index_of = [&](Square* s) {
+    if (l.like_men)
+      for (int i = 3; i < l.men; ++i)
+        for (int j = i; j > 2 && l.slot[j - 1] == l.slot[j] && s[j - 1] > s[j]; --j) std::swap(s[j], s[j - 1]);
+    uint64_t index = uint64_t(BaseKingIndex(l.pawns, s[0]));
+    for (int i = 1; i < l.men; ++i) index = index * 64 + uint64_t(s[i]);
+    return index;
+  };
+  const uint64_t index = index_of(sq);
+  if (l.pawns || rank_of(sq[0]) != file_of(sq[0])) return index;
+  // The white king on the diagonal: its mirror image is the same position.
+  for (int i = 1; i < l.men; ++i) sq[i] = Transformed(4, sq[i]);
+  const uint64_t twin = index_of(sq);
+  return twin < index ? twin : index;
 }
 
 SolverBoards BoardsOf(const Piece* piece, const Square* sq, int n) {
@@ -111,7 +120,7 @@ bool EnPassantPossible(const SolverBoards& b, Square pawn, Color pawn_color) {
 }
 
 uint64_t ProbeIndex(const SolverLayout& l, const SolverPosition& p, Color stm, bool lead_white) {
-  return BaseIndex(MenOf(l, p, stm, 0, lead_white), l.pawns);
+  return BaseIndex(MenOf(l, p, stm, lead_white), l.pawns);
 }
 
 bool IsLegalIndex(const SolverLayout& l, uint64_t index, Color stm, SolverPosition& p) {

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 
+#include "board/attacks.h"
 #include "board/types.h"
 #include "egdb/base_material.h"
 
@@ -22,6 +23,7 @@ struct SolverLayout {
   Piece piece[MAX_SOLVER_MEN] = {};
   uint8_t slot[MAX_SOLVER_MEN] = {};  // signature slot of each piece (entries 2 on)
   uint64_t size = 0;                   // indices per side to move
+  bool like_men = false;               // two pieces of one kind and colour
 };
 SolverLayout LayoutOf(const BaseMaterial& m);
 
@@ -56,6 +58,14 @@ SolverBoards BoardsOf(const Piece* piece, const Square* sq, int n);
 inline SolverBoards BoardsOf(const ManList& m) { return BoardsOf(m.piece, m.sq, m.n); }
 inline SolverBoards BoardsOf(const SolverLayout& l, const SolverPosition& p) { return BoardsOf(l.piece, p.sq, l.men); }
 bool Attacked(const SolverBoards& b, Square s, Color by);
+// The same after a move: `occupied` the squares then taken, `removed` the
+// square of a man of `by` just captured.
+inline bool AttackedAfter(const SolverBoards& b, Square s, Color by, Bitboard occupied, Bitboard removed) {
+  const Bitboard keep = ~removed;
+  return (pawn_attacks[~by][s] & b.pawns[by] & keep) || (knight_attacks[s] & b.knights[by] & keep) ||
+         (king_attacks[s] & sq_bb(b.king[by])) || (BishopAttacks(s, occupied) & b.diagonal[by] & keep) ||
+         (RookAttacks(s, occupied) & b.straight[by] & keep);
+}
 // The double step of the pawn on `pawn` can be answered en passant: the
 // squares behind it are empty and an enemy pawn attacks the passed square.
 bool EnPassantPossible(const SolverBoards& b, Square pawn, Color pawn_color);

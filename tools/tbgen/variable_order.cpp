@@ -45,7 +45,7 @@ std::vector<int> Flatten(const std::vector<std::vector<int>>& groups) {
 
 }  // namespace
 
-std::vector<uint8_t> Permuted(const std::vector<uint8_t>& table, const uint8_t* perm, int bits) {
+void PermutedValues(const std::vector<uint8_t>& table, const uint8_t* perm, int bits, std::vector<uint32_t>& out) {
   // The permuted index byte by byte.
   uint32_t part[4][256];
   for (int byte = 0; byte < 4; ++byte)
@@ -55,61 +55,64 @@ std::vector<uint8_t> Permuted(const std::vector<uint8_t>& table, const uint8_t* 
         if ((v >> b) & 1 && byte * 8 + b < bits) p |= 1u << perm[byte * 8 + b];
       part[byte][v] = p;
     }
-  std::vector<uint8_t> out(table.size());
+  out.resize(table.size());
   for (uint32_t i = 0; i < table.size(); ++i)
-    out[part[0][i & 255] | part[1][(i >> 8) & 255] | part[2][(i >> 16) & 255] | part[3][i >> 24]] = table[i];
-  return out;
+    out[part[0][i & 255] | part[1][(i >> 8) & 255] | part[2][(i >> 16) & 255] | part[3][i >> 24]] =
+        table[i] == DONT_CARE ? DONT_CARE_ENTRY : table[i];
 }
 
 std::vector<std::vector<int>> CandidateOrders(int bits, int fields) {
   std::vector<std::vector<int>> orders;
   const std::vector<int> head = HeadBits(bits, fields);
-  std::vector<int> natural = head, reversed = head, planes = head, files_first = head, head_last;
+  // Square by square, in both orders of the squares, and bit plane by bit
+  // plane (the high rank bits of every square first), in both orders.
+  std::vector<int> natural = head, reversed = head, planes = head, planes_reversed = head;
   for (int f = 0; f < fields; ++f) Append(natural, FieldBits(fields, f));
   for (int f = fields - 1; f >= 0; --f) Append(reversed, FieldBits(fields, f));
   for (int plane = 0; plane < 6; ++plane)
-    for (int f = 0; f < fields; ++f) planes.push_back(FieldBits(fields, f)[size_t(plane)]);
-  for (int f = 0; f < fields; ++f) {
-    const std::vector<int> fb = FieldBits(fields, f);
-    Append(files_first, {fb[3], fb[4], fb[5], fb[0], fb[1], fb[2]});
-  }
-  head_last.assign(natural.begin() + long(head.size()), natural.end());
-  Append(head_last, head);
-  orders = {natural, reversed, planes, files_first, head_last};
+    for (int f = 0; f < fields; ++f) {
+      planes.push_back(FieldBits(fields, f)[size_t(plane)]);
+      planes_reversed.push_back(FieldBits(fields, fields - 1 - f)[size_t(plane)]);
+    }
+  orders = {natural, reversed, planes, planes_reversed};
   return orders;
 }
 
 PermutedDiagram DiagramWithOrder(const std::vector<uint8_t>& table, int bits, const std::vector<int>& top_down) {
   PermutedDiagram d;
   for (size_t j = 0; j < top_down.size(); ++j) d.perm[top_down[j]] = uint8_t(bits - 1 - int(j));
-  d.diagram = BuildDiagram(Permuted(table, d.perm, bits), bits);
+  thread_local std::vector<uint32_t> values;
+  PermutedValues(table, d.perm, bits, values);
+  d.diagram = BuildDiagram(values, bits);
   d.bytes = DiagramBytes(d.diagram);
   return d;
 }
 
-PermutedDiagram SmallestDiagram(const std::vector<uint8_t>& table, int bits, int fields, int refine) {
+PermutedDiagram BestCandidate(const std::vector<uint8_t>& table, int bits, int fields, std::vector<int>& order) {
   PermutedDiagram best;
-  std::vector<int> best_order;
-  for (const std::vector<int>& order : CandidateOrders(bits, fields)) {
-    PermutedDiagram d = DiagramWithOrder(table, bits, order);
-    if (d.bytes < best.bytes) best = std::move(d), best_order = order;
+  for (const std::vector<int>& candidate : CandidateOrders(bits, fields)) {
+    PermutedDiagram d = DiagramWithOrder(table, bits, candidate);
+    if (d.bytes < best.bytes) best = std::move(d), order = candidate;
   }
-  for (int round = 0; round < refine; ++round) {
+  return best;
+}
+
+void Refine(const std::vector<uint8_t>& table, int bits, int fields, int rounds, PermutedDiagram& best,
+            std::vector<int>& order) {
+  for (int round = 0; round < rounds; ++round) {
     bool improved = false;
-    std::vector<std::vector<int>> groups = Groups(best_order, fields);
+    std::vector<std::vector<int>> groups = Groups(order, fields);
     for (size_t g = 0; g + 1 < groups.size(); ++g) {
       std::swap(groups[g], groups[g + 1]);
-      const std::vector<int> order = Flatten(groups);
-      PermutedDiagram d = DiagramWithOrder(table, bits, order);
+      PermutedDiagram d = DiagramWithOrder(table, bits, Flatten(groups));
       if (d.bytes < best.bytes) {
-        best = std::move(d), best_order = order, improved = true;
+        best = std::move(d), order = Flatten(groups), improved = true;
       } else {
         std::swap(groups[g], groups[g + 1]);
       }
     }
     if (!improved) break;
   }
-  return best;
 }
 
 }  // namespace vx::tbgen

@@ -16,18 +16,22 @@ struct PermutedDiagram {
   uint64_t bytes = UINT64_MAX;
 };
 
-// A table indexed by the permuted index.
-std::vector<uint8_t> Permuted(const std::vector<uint8_t>& table, const uint8_t* perm, int bits);
+// The builder's input for a table under a permutation (bit i of an index
+// moves to perm[i]).
+void PermutedValues(const std::vector<uint8_t>& table, const uint8_t* perm, int bits, std::vector<uint32_t>& out);
 
 // Candidate orders for an index of `bits` bits whose low 6 * fields bits are
 // squares (rank in the high three bits of each) under a king-index head.
 std::vector<std::vector<int>> CandidateOrders(int bits, int fields);
 
-// The smallest diagram over the candidate orders, then `refine` rounds of
-// exchanging neighbouring groups in the best order found.
-PermutedDiagram SmallestDiagram(const std::vector<uint8_t>& table, int bits, int fields, int refine);
-
-// The diagram of a table under a given permutation.
+// The diagram of a table under an order (index bits, the first tested first).
 PermutedDiagram DiagramWithOrder(const std::vector<uint8_t>& table, int bits, const std::vector<int>& top_down);
+
+// The smallest diagram over the candidate orders, with its order.
+PermutedDiagram BestCandidate(const std::vector<uint8_t>& table, int bits, int fields, std::vector<int>& order);
+// Rounds of exchanging neighbouring groups of bits in the order while that
+// makes the diagram smaller.
+void Refine(const std::vector<uint8_t>& table, int bits, int fields, int rounds, PermutedDiagram& best,
+            std::vector<int>& order);
 
 }  // namespace vx::tbgen

@@ -9,6 +9,7 @@
 
 namespace vx {
 class CChessPosition;
+struct BaseTable;
 }
 
 namespace vx::tbgen {
@@ -20,11 +21,17 @@ struct VerifyResult {
 };
 
 // Probes, through the tables loaded in the engine, every legal position of
-// the material (and without pawns its mirror image through the diagonal,
-// which the index keeps apart), every eighth also with the colours
-// exchanged, and a sample through the engine's Position; compares with the
-// solver's values.
+// the material (one per symmetry class); in a stored part also its mirror
+// image through the diagonal where the index keeps the two apart (no pawns,
+// the leading king on the diagonal) and every eighth with the colours
+// exchanged; a sample through the engine's
+// Position. Compares with the solver's values.
 VerifyResult VerifyMaterial(const Solution& s, int threads);
+
+// Probes every legal position of a part that the file leaves out through
+// the loaded tables (the one-ply search) and compares with the part's own
+// diagrams in `full` (verified against the solver before).
+VerifyResult VerifyLeftOutPart(const SolverLayout& l, const BaseTable& full, Color stm, int threads);
 
 // The library position of a solver position.
 void SetLibraryPosition(const SolverLayout& l, const SolverPosition& p, Color stm, CChessPosition& out);
