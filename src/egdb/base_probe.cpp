@@ -26,20 +26,6 @@ BaseMaterial MaterialOf(const CChessPosition& p) {
   return m;
 }
 
-constexpr Square MirrorRank(Square s) { return (s & 7) + (7 - (s >> 3)) * 8; }
-
-// The board turned upside down with the colours exchanged.
-void MirrorColours(const CChessPosition& p, CChessPosition& out) {
-  out.clear();
-  for (Bitboard b = p.occupied; b;) {
-    const Square s = pop_lsb(b);
-    const uint8_t c = p.board[s];
-    out.put(IsWhiteCode(c) ? uint8_t(c + LIB_BLACK) : uint8_t(c - LIB_BLACK), MirrorRank(s));
-  }
-  out.ep_square = p.ep_square ? MirrorRank(p.ep_square) : 0;
-  out.set_white_to_move(!p.white_to_move());
-}
-
 uint32_t Permute(uint32_t index, const uint8_t* perm) {
   uint32_t permuted = 0;
   for (uint32_t b = index; b; b &= b - 1) permuted |= 1u << perm[__builtin_ctz(b)];

@@ -121,6 +121,17 @@ void CChessPosition::pop() {
   ep_square = Square((word >> OLD_EP_SHIFT) & 63);
 }
 
+void MirrorColours(const CChessPosition& p, CChessPosition& out) {
+  out.clear();
+  for (Bitboard b = p.occupied; b;) {
+    const Square s = pop_lsb(b);
+    const uint8_t c = p.board[s];
+    out.put(IsWhiteCode(c) ? uint8_t(c + LIB_BLACK) : uint8_t(c - LIB_BLACK), s ^ 56);
+  }
+  out.ep_square = p.ep_square ? p.ep_square ^ 56 : 0;
+  out.set_white_to_move(!p.white_to_move());
+}
+
 bool LibraryAttacks(const CChessPosition& p, Square s, bool by_white) {
   auto of = [&](uint8_t type) { return p.squares_of[LibraryColored(type, by_white)]; };
   return (king_attacks[s] & of(LIB_KING)) || (knight_attacks[s] & of(LIB_KNIGHT)) ||

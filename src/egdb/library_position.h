@@ -76,6 +76,10 @@ class CChessPosition : public CGamePosition {
   void set_white_to_move(bool white) { side_ = white ? 1 : 0; }
 };
 
+// The board turned upside down with the colours exchanged (and the side to
+// move): the same position seen from the other side.
+void MirrorColours(const CChessPosition& p, CChessPosition& out);
+
 // Whether a man of the given colour attacks the square.
 bool LibraryAttacks(const CChessPosition& p, Square s, bool by_white);
 bool LibraryInCheck(const CChessPosition& p);

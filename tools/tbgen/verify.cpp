@@ -31,15 +31,6 @@ bool LeadOnDiagonal(Square lead) {
   return rank_of(s) == file_of(s);
 }
 
-// The same position upside down with the colours exchanged.
-void ColourMirror(const CChessPosition& p, CChessPosition& out) {
-  out.clear();
-  for (Square s = 0; s < 64; ++s)
-    if (p.board[s]) out.put(IsWhiteCode(p.board[s]) ? uint8_t(p.board[s] + LIB_BLACK) : uint8_t(p.board[s] - LIB_BLACK), s ^ 56);
-  out.ep_square = p.ep_square ? p.ep_square ^ 56 : 0;
-  out.set_white_to_move(!p.white_to_move());
-}
-
 }  // namespace
 
 void SetLibraryPosition(const SolverLayout& l, const SolverPosition& p, Color stm, CChessPosition& out) {
@@ -138,7 +129,7 @@ VerifyResult VerifyMaterial(const Solution& s, int threads) {
           check(other, expected, "diagonal mirror");
         }
         if (i % 8 == 0) {
-          ColourMirror(pos, other);
+          MirrorColours(pos, other);
           check(other, expected, "colours exchanged");
         }
         if (i % FEN_SAMPLE_EVERY == 0) {
