@@ -41,6 +41,7 @@ class BaseRegistry {
   // The table of a material, created when new; nullptr when the registry is full.
   BaseTable* table_for(const BaseMaterial& m);
   const BaseTable* find(uint32_t signature) const;
+  const BaseTable* at(int i) const { return table_[i].get(); }
   int largest_men() const { return largest_men_; }
   int size() const { return count_; }
   // Bytes the loaded tables occupy, as the load message reports them.

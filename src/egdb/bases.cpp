@@ -89,7 +89,7 @@ bool ReadLevels(ByteReader& in, DecisionDiagram& d) {
     const uint64_t words = PackedWords(level.count, level.width);
     if (words * 4 > in.left()) return false;
     level.mask = (1u << level.width) - 1;
-    level.words.assign(size_t(words) + 1, 0);
+    level.words.assign(size_t(PaddedWords(level.count, level.width)), 0);
     for (uint64_t w = 0; w < words; ++w) in.u32(level.words[size_t(w)]);
   }
   for (DiagramLevel& level : d.levels)

@@ -23,7 +23,7 @@ bool DiagramIsSound(const DecisionDiagram& d) {
   uint64_t below = 3;  // the values under level 0
   for (const DiagramLevel& level : d.levels) {
     if (level.width > 31 || uint64_t(level.count) < 2 * uint64_t(level.threshold)) return false;
-    if (level.words.size() < PackedWords(level.count, level.width) + 1) return false;
+    if (level.words.size() < PaddedWords(level.count, level.width)) return false;
     if (!ChildrenExist(level, below)) return false;
     below = level.nodes();
   }

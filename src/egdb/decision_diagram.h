@@ -17,7 +17,7 @@ struct DiagramLevel {
   uint32_t count = 0;  // entries
   uint32_t width = 0;  // bits per entry, 0 to 31
   uint32_t mask = 0;
-  // Little-endian packed entries, followed by one zero word so that every
+  // Little-endian packed entries, followed by zero words (PaddedWords) so that every
   // entry can be read from two neighbouring words.
   std::vector<uint32_t> words;
 
@@ -38,6 +38,9 @@ struct DecisionDiagram {
 
 // Number of 32-bit words that hold count entries of width bits.
 inline uint64_t PackedWords(uint64_t count, uint32_t width) { return (count * width + 31) / 32; }
+// The same with the zero words kept after them in memory: an entry is read
+// from the word it starts in and the next one (also with width 0).
+inline uint64_t PaddedWords(uint64_t count, uint32_t width) { return (PackedWords(count, width) > 0 ? PackedWords(count, width) : 1) + 1; }
 
 // True when every walk stays inside the entries and ends on 0, 1 or 2: each
 // level has at least twice its threshold in entries, the top level has node

@@ -160,7 +160,7 @@ DiagramLevel PackLevel(const std::vector<Node>& nodes) {
   l.count = uint32_t(entries.size());
   l.width = BitLength(*std::max_element(entries.begin(), entries.end()));
   l.mask = (1u << l.width) - 1;
-  l.words.assign(PackedWords(l.count, l.width) + 1, 0);
+  l.words.assign(PaddedWords(l.count, l.width), 0);
   for (uint64_t j = 0; j < entries.size(); ++j) {
     const uint64_t bit = j * l.width;
     const uint64_t v = uint64_t(entries[j]) << (bit & 31);
