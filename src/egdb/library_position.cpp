@@ -132,6 +132,28 @@ void MirrorColours(const CChessPosition& p, CChessPosition& out) {
   out.set_white_to_move(!p.white_to_move());
 }
 
+std::string LibraryFen(const CChessPosition& p) {
+  static constexpr char letters[] = " KQRBNPkqrbnp";
+  std::string fen;
+  for (int rank = 7; rank >= 0; --rank) {
+    int empty = 0;
+    for (int file = 0; file < 8; ++file) {
+      const uint8_t c = p.board[make_square(file, rank)];
+      if (!c) {
+        ++empty;
+        continue;
+      }
+      if (empty) fen += char('0' + empty), empty = 0;
+      fen += letters[c];
+    }
+    if (empty) fen += char('0' + empty);
+    if (rank) fen += '/';
+  }
+  fen += p.white_to_move() ? " w - " : " b - ";
+  fen += p.ep_square ? square_text(p.ep_square) : "-";
+  return fen + " 0 1";
+}
+
 bool LibraryAttacks(const CChessPosition& p, Square s, bool by_white) {
   auto of = [&](uint8_t type) { return p.squares_of[LibraryColored(type, by_white)]; };
   return (king_attacks[s] & of(LIB_KING)) || (knight_attacks[s] & of(LIB_KNIGHT)) ||

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "board/bitboard.h"
 #include "board/types.h"
@@ -79,6 +80,9 @@ class CChessPosition : public CGamePosition {
 // The board turned upside down with the colours exchanged (and the side to
 // move): the same position seen from the other side.
 void MirrorColours(const CChessPosition& p, CChessPosition& out);
+
+// FEN of a library position (no castling rights).
+std::string LibraryFen(const CChessPosition& p);
 
 // Whether a man of the given colour attacks the square.
 bool LibraryAttacks(const CChessPosition& p, Square s, bool by_white);

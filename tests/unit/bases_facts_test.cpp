@@ -18,7 +18,7 @@ using tbgen::V_WIN;
 Position EnginePosition(const tbgen::Solution& s, const tbgen::SolverPosition& p, Color stm) {
   CChessPosition lib;
   tbgen::SetLibraryPosition(s.layout, p, stm, lib);
-  return test::from_fen(tbgen::LibraryFen(lib));
+  return test::from_fen(LibraryFen(lib));
 }
 
 // The side to move mates within `plies` plies whatever the defence.

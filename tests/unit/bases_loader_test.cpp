@@ -60,9 +60,15 @@ class BasesLoader : public testing::Test {
  protected:
   static void SetUpTestSuite() {
     tbgen::SolutionStore store = test::solve({"krk", "kqk", "kpk"});
-    test::add_stand_in(store, "knnk");  // a four-men file; its values do not matter here
     dir_ = test::temp_dir("loader");
-    for (const char* n : {"krk", "kqk", "kpk", "knnk"}) test::write_material(test::solution(store, n), dir_ + "/" + n + ".tbe");
+    for (const char* n : {"krk", "kqk", "kpk"}) test::write_material(test::solution(store, n), dir_ + "/" + n + ".tbe");
+    // A four-men file whose values do not matter: one sub-table, all draws.
+    std::vector<tbgen::TableRecord> knnk(1);
+    knnk[0].name = {"knnk", 0, true, true};
+    std::vector<uint32_t> draws(size_t(1) << 20, 1);
+    knnk[0].diagram = tbgen::BuildDiagram(draws, 20);
+    std::string error;
+    tbgen::WriteBaseFile(dir_ + "/knnk.tbe", knnk, error);
     krk_ = test::solution(store, "krk").layout.material;
   }
   static void TearDownTestSuite() {

@@ -44,8 +44,9 @@ class BasesRoundTrip : public testing::Test {
 tbgen::SolutionStore* BasesRoundTrip::store_ = nullptr;
 std::string BasesRoundTrip::dir_;
 
+// One test, so that the files are made once per test process.
 TEST_F(BasesRoundTrip, EveryLegalPositionProbesToItsSolvedValue) {
-  EXPECT_EQ(VorlaxenbasesLargestMen(), 4);
+  ASSERT_EQ(VorlaxenbasesLargestMen(), 4);
   for (const char* name : NAMES) {
     const tbgen::Solution& s = test::solution(*store_, name);
     uint64_t probed = 0, wrong = 0, en_passant = 0;
@@ -55,7 +56,7 @@ TEST_F(BasesRoundTrip, EveryLegalPositionProbesToItsSolvedValue) {
       tbgen::SetLibraryPosition(s.layout, p, stm, pos);
       int r = 2;
       const bool ok = ProbeLibraryPosition(pos, r) && r == test::expected_result(v);
-      if (!ok && first.empty()) first = tbgen::LibraryFen(pos);
+      if (!ok && first.empty()) first = LibraryFen(pos);
       wrong += !ok;
       en_passant += p.ep >= 0;
       ++probed;
@@ -66,9 +67,9 @@ TEST_F(BasesRoundTrip, EveryLegalPositionProbesToItsSolvedValue) {
       EXPECT_GT(en_passant, 10000u);
     }
   }
-}
 
-TEST_F(BasesRoundTrip, EnginePositionsWithEnPassantAndWithEitherColourStronger) {
+  // Through the engine's Position: every en-passant position of KPKP, and
+  // KRKP with the rook on Black's side, which the probe turns over.
   const tbgen::Solution& kpkp = test::solution(*store_, "kpkp");
   const tbgen::Solution& krkp = test::solution(*store_, "krkp");
   int checked = 0, wrong = 0;
@@ -84,16 +85,15 @@ TEST_F(BasesRoundTrip, EnginePositionsWithEnPassantAndWithEitherColourStronger) 
     if (p.ep < 0) return;
     CChessPosition lib;
     tbgen::SetLibraryPosition(kpkp.layout, p, stm, lib);
-    check(tbgen::LibraryFen(lib), test::expected_result(v), true);
+    check(LibraryFen(lib), test::expected_result(v), true);
   });
-  // KRKP with the rook on Black's side: the probe turns the board over.
   uint64_t n = 0;
   test::for_each_legal(krkp, [&](const tbgen::SolverPosition& p, Color stm, uint8_t v) {
     if (++n % 101) return;
     CChessPosition lib, turned;
     tbgen::SetLibraryPosition(krkp.layout, p, stm, lib);
     MirrorColours(lib, turned);
-    check(tbgen::LibraryFen(turned), test::expected_result(v), false);
+    check(LibraryFen(turned), test::expected_result(v), false);
   });
   EXPECT_EQ(wrong, 0);
   EXPECT_GT(checked, 10000);

@@ -55,10 +55,10 @@ inline void solve_into(tbgen::SolutionStore& store, const std::string& name) {
   store.add(tbgen::Solve(tbgen::LayoutOf(material(name)), store, 2, stats));
 }
 
-// Encodes a solved material (quickly: no order refinement) and writes its
-// file, leaving out a side-to-move part when asked.
+// Encodes a solved material (quickly: one variable order, no refinement)
+// and writes its file, leaving out a side-to-move part when asked.
 inline void write_material(const tbgen::Solution& s, const std::string& path, int left_out = -1) {
-  const tbgen::EncodeOptions o{2, 0};
+  const tbgen::EncodeOptions o{2, 0, 1};
   std::vector<tbgen::TableRecord> records;
   for (const Color c : {WHITE, BLACK})
     if (c != left_out)

@@ -14,15 +14,20 @@ EncodedPart EncodePart(const Solution& s, Color stm, const EncodeOptions& o) {
   const int bits = BaseIndexBits(l.men, l.pawns), fields = l.men - 1;
   const int subtables = BaseSubTables(l.men, l.pawns);
   const size_t count = size_t(subtables);
+  const int rounds = o.refine >= 0 ? o.refine : l.men <= 4 ? 1 : 0;
   std::vector<PermutedDiagram> best(count);
   std::vector<std::vector<int>> order(count);
-  // The sub-tables in parallel, each built by one thread.
+  std::vector<std::vector<int>> candidates = CandidateOrders(bits, fields);
+  candidates.resize(size_t(std::clamp(o.candidates, 1, int(candidates.size()))));
+  // The sub-tables in parallel, each built by one thread. Five men try only
+  // the first candidate order when choosing the leading king.
   auto encode = [&](bool lead_white, bool refine) {
+    const std::vector<std::vector<int>> orders(candidates.begin(), l.men >= 5 && !refine ? candidates.begin() + 1 : candidates.end());
     ParallelFor(count, 1, o.threads, [&](uint64_t b, uint64_t e) {
       for (uint64_t sub = b; sub < e; ++sub) {
         const std::vector<uint8_t> table = PartTable(s, stm, lead_white, int(sub), 1);
-        best[sub] = BestCandidate(table, bits, fields, order[sub]);
-        if (refine) Refine(table, bits, fields, o.refine, best[sub], order[sub]);
+        best[sub] = BestCandidate(table, bits, orders, order[sub]);
+        if (refine) Refine(table, bits, fields, rounds, best[sub], order[sub]);
       }
     });
     uint64_t total = 0;

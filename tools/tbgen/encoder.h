@@ -15,7 +15,10 @@ namespace vx::tbgen {
 
 struct EncodeOptions {
   int threads = 1;
-  int refine = 1;  // rounds of variable-order refinement per diagram
+  // Rounds of variable-order refinement per diagram; -1: one round up to four
+  // men, none for five (a five-men diagram takes seconds to build).
+  int refine = -1;
+  int candidates = 4;  // candidate variable orders tried (1 to 4)
 };
 
 struct EncodedPart {

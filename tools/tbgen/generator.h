@@ -16,7 +16,7 @@ namespace vx::tbgen {
 struct GeneratorOptions {
   std::string out_dir = ".";
   int threads = 1;
-  int refine = 1;            // rounds of variable-order refinement per diagram
+  int refine = -1;           // rounds of variable-order refinement per diagram; -1: by size
   bool keep_both = false;    // never leave a side-to-move part out
   std::ostream* log = nullptr;  // progress lines, or none
 };

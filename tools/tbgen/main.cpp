@@ -20,7 +20,8 @@ constexpr const char* USAGE =
     "OPTIONS:\n"
     "  --out DIR      where the .tbe files and bases.ini go (default: the current directory)\n"
     "  --threads N    worker threads (default: all processors)\n"
-    "  --refine N     rounds of variable-order refinement per diagram (default 1; more is smaller and slower)\n"
+    "  --refine N     rounds of variable-order refinement per diagram (default 1 up to four men,\n"
+    "                 0 for five; more is smaller and slower)\n"
     "  --keep-both    keep both side-to-move parts of every table (faster probes, larger files)\n";
 
 int Fail(const std::string& message, int status) {

@@ -8,6 +8,17 @@
 
 namespace vx::tbgen {
 
+// Squares a king, knight, bishop, rook or queen on s attacks.
+inline Bitboard PieceAttacks(PieceType type, Square s, Bitboard occupied) {
+  switch (type) {
+    case KING: return king_attacks[s];
+    case KNIGHT: return knight_attacks[s];
+    case ROOK: return RookAttacks(s, occupied);
+    case QUEEN: return QueenAttacks(s, occupied);
+    default: return BishopAttacks(s, occupied);
+  }
+}
+
 // Calls same(position) for every legal move that keeps the material (the
 // result marked when it can be answered en passant) and convert(men) for
 // every legal capture and promotion. Returns the number of legal moves.
@@ -73,12 +84,7 @@ int ForEachMove(const SolverLayout& l, const SolverPosition& p, Color stm, Same&
       if (p.ep >= 0 && (pawn_attacks[stm][from] & sq_bb(p.sq[p.ep] + up))) play(i, p.sq[p.ep] + up, p.ep, NO_PIECE);
       continue;
     }
-    Bitboard targets = type == KING     ? king_attacks[from]
-                       : type == KNIGHT ? knight_attacks[from]
-                       : type == ROOK   ? RookAttacks(from, b.occupied)
-                       : type == QUEEN  ? QueenAttacks(from, b.occupied)
-                                        : BishopAttacks(from, b.occupied);
-    for (targets &= ~b.by_color[stm] & ~sq_bb(b.king[~stm]); targets;) {
+    for (Bitboard targets = PieceAttacks(type, from, b.occupied) & ~b.by_color[stm] & ~sq_bb(b.king[~stm]); targets;) {
       const Square to = pop_lsb(targets);
       play(i, to, (enemies & sq_bb(to)) ? man_on(to) : -1, NO_PIECE);
     }
@@ -136,12 +142,8 @@ void ForEachPredecessor(const SolverLayout& l, const SolverPosition& p, Color st
       }
       continue;
     }
-    Bitboard sources = type == KING     ? king_attacks[to]
-                       : type == KNIGHT ? knight_attacks[to]
-                       : type == ROOK   ? RookAttacks(to, b.occupied)
-                       : type == QUEEN  ? QueenAttacks(to, b.occupied)
-                                        : BishopAttacks(to, b.occupied);
-    for (sources &= ~b.occupied; sources;) {
+    // A piece moves back along the lines it moves forward on.
+    for (Bitboard sources = PieceAttacks(type, to, b.occupied) & ~b.occupied; sources;) {
       x.sq[i] = pop_lsb(sources);
       emit(x);
     }

@@ -64,8 +64,9 @@ void PermutedValues(const std::vector<uint8_t>& table, const uint8_t* perm, int 
 std::vector<std::vector<int>> CandidateOrders(int bits, int fields) {
   std::vector<std::vector<int>> orders;
   const std::vector<int> head = HeadBits(bits, fields);
-  // Square by square, in both orders of the squares, and bit plane by bit
-  // plane (the high rank bits of every square first), in both orders.
+  // Bit plane by bit plane (the high rank bits of every square first) and
+  // square by square, each in both orders of the squares; the first is most
+  // often the best.
   std::vector<int> natural = head, reversed = head, planes = head, planes_reversed = head;
   for (int f = 0; f < fields; ++f) Append(natural, FieldBits(fields, f));
   for (int f = fields - 1; f >= 0; --f) Append(reversed, FieldBits(fields, f));
@@ -74,7 +75,7 @@ std::vector<std::vector<int>> CandidateOrders(int bits, int fields) {
       planes.push_back(FieldBits(fields, f)[size_t(plane)]);
       planes_reversed.push_back(FieldBits(fields, fields - 1 - f)[size_t(plane)]);
     }
-  orders = {natural, reversed, planes, planes_reversed};
+  orders = {planes, planes_reversed, natural, reversed};
   return orders;
 }
 
@@ -88,9 +89,10 @@ PermutedDiagram DiagramWithOrder(const std::vector<uint8_t>& table, int bits, co
   return d;
 }
 
-PermutedDiagram BestCandidate(const std::vector<uint8_t>& table, int bits, int fields, std::vector<int>& order) {
+PermutedDiagram BestCandidate(const std::vector<uint8_t>& table, int bits, const std::vector<std::vector<int>>& orders,
+                              std::vector<int>& order) {
   PermutedDiagram best;
-  for (const std::vector<int>& candidate : CandidateOrders(bits, fields)) {
+  for (const std::vector<int>& candidate : orders) {
     PermutedDiagram d = DiagramWithOrder(table, bits, candidate);
     if (d.bytes < best.bytes) best = std::move(d), order = candidate;
   }

@@ -27,8 +27,9 @@ std::vector<std::vector<int>> CandidateOrders(int bits, int fields);
 // The diagram of a table under an order (index bits, the first tested first).
 PermutedDiagram DiagramWithOrder(const std::vector<uint8_t>& table, int bits, const std::vector<int>& top_down);
 
-// The smallest diagram over the candidate orders, with its order.
-PermutedDiagram BestCandidate(const std::vector<uint8_t>& table, int bits, int fields, std::vector<int>& order);
+// The smallest diagram over some orders, with its order.
+PermutedDiagram BestCandidate(const std::vector<uint8_t>& table, int bits, const std::vector<std::vector<int>>& orders,
+                              std::vector<int>& order);
 // Rounds of exchanging neighbouring groups of bits in the order while that
 // makes the diagram smaller.
 void Refine(const std::vector<uint8_t>& table, int bits, int fields, int rounds, PermutedDiagram& best,

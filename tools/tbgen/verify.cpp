@@ -40,28 +40,6 @@ void SetLibraryPosition(const SolverLayout& l, const SolverPosition& p, Color st
   out.set_white_to_move(stm == WHITE);
 }
 
-std::string LibraryFen(const CChessPosition& p) {
-  static constexpr char letters[] = " KQRBNPkqrbnp";
-  std::string fen;
-  for (int rank = 7; rank >= 0; --rank) {
-    int empty = 0;
-    for (int file = 0; file < 8; ++file) {
-      const uint8_t c = p.board[make_square(file, rank)];
-      if (!c) {
-        ++empty;
-        continue;
-      }
-      if (empty) fen += char('0' + empty), empty = 0;
-      fen += letters[c];
-    }
-    if (empty) fen += char('0' + empty);
-    if (rank) fen += '/';
-  }
-  fen += p.white_to_move() ? " w - " : " b - ";
-  fen += p.ep_square ? square_text(p.ep_square) : "-";
-  return fen + " 0 1";
-}
-
 VerifyResult VerifyLeftOutPart(const SolverLayout& l, const BaseTable& full, Color stm, int threads) {
   std::atomic<uint64_t> probed{0}, bad{0};
   std::mutex first_lock;

@@ -35,7 +35,5 @@ VerifyResult VerifyLeftOutPart(const SolverLayout& l, const BaseTable& full, Col
 
 // The library position of a solver position.
 void SetLibraryPosition(const SolverLayout& l, const SolverPosition& p, Color stm, CChessPosition& out);
-// FEN of a library position.
-std::string LibraryFen(const CChessPosition& p);
 
 }  // namespace vx::tbgen
