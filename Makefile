@@ -1,6 +1,7 @@
 # Convenience front end to CMake.
-#   make        build build/vorlaxen and build/vorlaxen-dev (Release)
+#   make        build build/vorlaxen, build/vorlaxen-dev and build/vorlaxen-tbgen (Release)
 #   make run    build and start the engine on this terminal
+#   make bases  generate every 3- and 4-men Vorlaxenbases file into vorlaxenbases/
 #   make test   build, run every test, then the unit tests under ASan+UBSan,
 #               then a short smoke run of every fuzz target when clang is there
 #   make fuzz   run every fuzz target for FUZZ_SECONDS (default 60) seconds
@@ -8,14 +9,20 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 60
 FUZZ_CXX := $(shell command -v clang++-14 2>/dev/null || command -v clang++ 2>/dev/null)
 
-.PHONY: all run test test-release test-sanitize test-fuzz-smoke fuzz fuzz-build clean
+.PHONY: all run bases test test-release test-sanitize test-fuzz-smoke fuzz fuzz-build clean
 
 all:
 	cmake -S . -B build -DCMAKE_BUILD_TYPE=Release >/dev/null
 	cmake --build build -j $(JOBS)
 
+# Making the 3- and 4-men bases takes about four minutes on two cores, so
+# "run" only points at them when they are missing.
 run: all
+	@test -d vorlaxenbases || echo "info: no vorlaxenbases/ directory; 'make bases' makes the 3- and 4-men endgame databases (about 4 minutes)" >&2
 	./build/vorlaxen
+
+bases: all
+	./build/vorlaxen-tbgen --out vorlaxenbases --all 4
 
 test: test-release test-sanitize test-fuzz-smoke
 

@@ -2,12 +2,25 @@
 "setoption", command-line mode, ending, and input that must not upset it."""
 import os
 import sys
+import tempfile
 import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from engine import Engine, run  # noqa: E402
 
-ENGINE = sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen"
+ENGINE = os.path.abspath(sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen")
+# The engines run in an empty directory, where the default database list
+# "vorlaxenbases/bases.ini" does not exist.
+WORKDIR = tempfile.mkdtemp(prefix="vorlaxen-uci-")
+NO_BASES = "info string vorlaxenbasses with 0 men found (0 MB)"
+
+
+def start():
+    return Engine(ENGINE, cwd=WORKDIR)
+
+
+def run_engine(*args, **kw):
+    return run(ENGINE, *args, cwd=WORKDIR, **kw)
 
 
 def cpu_has_popcnt():
@@ -47,8 +60,10 @@ UCI_LISTING = [
 
 class UciTestCase(unittest.TestCase):
     def setUp(self):
-        self.engine = Engine(ENGINE)
+        self.engine = start()
         self.assertEqual(self.engine.read_line(), GREETING)
+        # The first "isready" loads the databases of the default path: none here.
+        self.assertEqual(self.engine.sync(), [NO_BASES])
 
     def tearDown(self):
         self.engine.kill()
@@ -65,8 +80,12 @@ class UciTestCase(unittest.TestCase):
 
 class StartAndCommandWords(UciTestCase):
     def test_one_greeting_line_then_waits_for_input(self):
-        self.assertTrue(self.engine.no_output(0.3))
-        self.assertEqual(self.engine.sync(), [])
+        engine = start()
+        self.addCleanup(engine.kill)
+        self.assertEqual(engine.read_line(), GREETING)
+        self.assertTrue(engine.no_output(0.3))
+        self.assertEqual(engine.sync(), [NO_BASES])
+        self.assertEqual(engine.sync(), [])
 
     def test_uci_lists_identity_and_the_options_in_order(self):
         self.assertEqual(self.listing(), UCI_LISTING)
@@ -135,9 +154,9 @@ class SetOptionCommand(UciTestCase):
         for command in ("setoption name hash value 128MB", "setoption name UCI_Elo value 3000",
                         "setoption name Ponder value TRUE", "setoption name contempt value -300",
                         "setoption name UCI_EngineAbout value a   spaced    text",
-                        "setoption name Clear Hash", "setoption name Syzygy Path value <empty>",
-                        "setoption name UCI_VorlaxenbasesPath value /nonexistent/bases.ini"):
+                        "setoption name Clear Hash", "setoption name Syzygy Path value <empty>"):
             self.assertEqual(self.answer(command), [], command)
+        self.assertEqual(self.answer("setoption name UCI_VorlaxenbasesPath value /nonexistent/bases.ini"), [NO_BASES])
         changed = {2: "option name Hash type spin min 1 max 65536 default 128MB",
                    17: "option name Contempt type spin min -300 max 300 default -300",
                    5: "option name UCI_EngineAbout type string default a spaced text",
@@ -152,7 +171,7 @@ class SetOptionCommand(UciTestCase):
 
 class Ending(unittest.TestCase):
     def start(self):
-        engine = Engine(ENGINE)
+        engine = start()
         self.addCleanup(engine.kill)
         self.assertEqual(engine.read_line(), GREETING)
         return engine
@@ -170,16 +189,16 @@ class Ending(unittest.TestCase):
             self.assertEqual(engine.wait(5), 0, repr(line))
 
     def test_lines_after_quit_are_not_executed(self):
-        code, lines = run(ENGINE, stdin=b"isready\nquit\nisready\n")
-        self.assertEqual((code, lines), (0, [GREETING, "readyok"]))
+        code, lines = run_engine(stdin=b"isready\nquit\nisready\n")
+        self.assertEqual((code, lines), (0, [GREETING, NO_BASES, "readyok"]))
 
 
 class CommandLineMode(unittest.TestCase):
     def test_arguments_run_as_one_command_and_standard_input_is_not_read(self):
-        for args, answer in ((["uci"], UCI_LISTING), (["isready"], ["readyok"]),
+        for args, answer in ((["uci"], UCI_LISTING), (["isready"], [NO_BASES, "readyok"]),
                              ("setoption name Hashes value 1".split(), ["option not found: Hashes"]),
                              ("position startpos e2e4".split(), ["illegal position command"])):
-            self.assertEqual(run(ENGINE, *args, stdin=b"uci\n"), (0, [GREETING] + answer), args)
+            self.assertEqual(run_engine(*args, stdin=b"uci\n"), (0, [GREETING] + answer), args)
 
 
 START_MOVES = {"%s2%s%s" % (f, f, r) for f in "abcdefgh" for r in "34"} | {"b1a3", "b1c3", "g1f3", "g1h3"}
@@ -225,7 +244,7 @@ class DuringSearch(UciTestCase):
 
     def test_waiting_search_on_the_command_line_ends_as_if_quit_came(self):
         for args in (("go", "depth", "2", "infinite"), ("go", "ponder", "depth", "2")):
-            code, lines = run(ENGINE, *args)
+            code, lines = run_engine(*args)
             self.assertEqual(code, 0, args)
             self.assertIn(best_move(lines), START_MOVES, args)
 
