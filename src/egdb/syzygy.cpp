@@ -1,25 +1,179 @@
 #include "egdb/syzygy.h"
 
-#include "engine/output.h"
+#include <algorithm>
+
+#include "board/movegen.h"
+#include "egdb/syzygy_registry.h"
 
 namespace vx {
 
-// The Syzygy prober is not built yet: no table is registered, and a path that
-// names tables says so instead of being ignored silently.
-void InitSyzygy(const std::string& path) {
-  if (path.empty() || path == "<empty>") return;
-  WriteLine("info string Syzygy tablebases are not supported yet; Syzygy Path " + path + " is not used");
+namespace {
+
+using namespace syzygy;
+
+constexpr Key COUNTERS_MASK = (Key(1) << 48) - 1;  // piece counts of the material key
+
+// Engine pieces of a table piece code (colour bit 3, type P 1 ... K 6).
+Bitboard TablePieces(const Position& pos, int code) {
+  constexpr PieceType TYPES[7][2] = {{0, 0},           {PAWN, PAWN}, {KNIGHT, KNIGHT}, {BISHOP_L, BISHOP_D},
+                                     {ROOK, ROOK},     {QUEEN, QUEEN}, {KING, KING}};
+  const Color c = Color(code >> 3);
+  return pos.of(c, TYPES[code & 7][0]) | pos.of(c, TYPES[code & 7][1]);
 }
 
-}  // namespace vx
+// Squares of the men listed in `pieces` from `from` on, in that order, each
+// run of one code taking all the position's men of it. False when the
+// position's men do not fill the list exactly.
+bool FillSquares(const Position& pos, const uint8_t* pieces, int from, int men, int color_flip, int square_flip,
+                 int* sq) {
+  for (int i = from; i < men;) {
+    Bitboard b = TablePieces(pos, pieces[i] ^ color_flip);
+    if (!b) return false;
+    while (b) {
+      if (i == men) return false;
+      sq[i++] = pop_lsb(b) ^ square_flip;
+    }
+  }
+  return true;
+}
 
-namespace vx {
+// The stored value 0-4 (loss to win) of the position in a loaded table, or
+// -1 when the data does not hold it.
+int StoredValue(const TableEntry& table, const Position& pos, Key key) {
+  const TableInfo& info = table.info;
+  const bool black = pos.side_to_move == BLACK;
+  // Which side of the table is to move, and whether the position's colours
+  // (and so its ranks) are swapped against the table's.
+  const bool swapped = info.symmetric ? black : key != table.key;
+  const int side = info.symmetric ? 0 : int(black != swapped);
+  const int color_flip = swapped ? 8 : 0, square_flip = swapped ? 56 : 0;
+  const int men = info.material.men;
+  int sq[TB_PIECES];
+  const SubTable* sub;
+  uint64_t idx;
+  if (!info.has_pawns) {
+    sub = &table.layout.sub[0][side];
+    if (!FillSquares(pos, sub->index.pieces, 0, men, color_flip, 0, sq)) return -1;
+    idx = EncodePieces(sub->index, men, info.encoding, sq);
+  } else {
+    const int leading = info.pawns[0];
+    if (!FillSquares(pos, table.layout.sub[0][side].index.pieces, 0, leading, color_flip, square_flip, sq)) return -1;
+    sub = &table.layout.sub[LeadingPawnFile(sq, leading)][side];
+    if (!FillSquares(pos, sub->index.pieces, leading, men, color_flip, square_flip, sq)) return -1;
+    idx = EncodePawns(sub->index, men, leading, info.pawns[1], sq);
+  }
+  if (idx >= sub->index.size) return -1;
+  const int v = DecompressValue(sub->pairs, idx);
+  return v <= 4 ? v : -1;
+}
 
-int SyzygyLargest() { return 0; }
+// The table's WDL of the position, without looking at captures. Positions of
+// bare kings are draws without a table.
+int ProbeTable(const Position& pos, int& success) {
+  const Key key = PositionTableKey(pos);
+  if (!(key & COUNTERS_MASK)) return 0;
+  const TableEntry* table = FindTable(pos, key);
+  const int v = table ? StoredValue(*table, pos, key) : -1;
+  if (v < 0) {
+    success = 0;
+    return 0;
+  }
+  return v - 2;
+}
 
-int ProbeWdl(Position&, int& success) {
-  success = 0;
-  return 0;
+template <Color Us> bool InCheck(const Position& pos, const AttackInfo& ai) {
+  return ai.attacked_by(~Us) & pos.of(Us, KING);
+}
+
+template <Color Us> MoveEntry* GenerateConversions(const Position& pos, const AttackInfo& ai, MoveEntry* list) {
+  return InCheck<Us>(pos, ai) ? GenerateEvasions<Us>(pos, ai, neutral_history, list)
+                              : GenerateCaptures<Us>(pos, ai, list);
+}
+
+// The tables store a position's value only as far as its captures do not
+// decide it; so search the captures and promotions (en passant aside) with
+// alpha-beta first and take the table's value where they do not reach it.
+// success becomes 2 when a capture decided the value.
+template <Color Us> int ProbeAlphaBeta(Position& pos, int alpha, int beta, int& success) {
+  AttackInfo ai;
+  ComputeAttackInfo(pos, ai);
+  MoveEntry list[MAX_MOVES];
+  MoveEntry* end = GenerateConversions<Us>(pos, ai, list);
+  for (MoveEntry* it = list; it != end; ++it) {
+    const Move m = Move(*it);
+    if (!is_tactical(m) || is_en_passant(m) || !IsLegal<Us>(pos, m, ai)) continue;
+    pos.DoMove<Us>(m);
+    const int v = -ProbeAlphaBeta<~Us>(pos, -beta, -alpha, success);
+    pos.UndoMove<Us>(m);
+    if (!success) return 0;
+    if (v > alpha) {
+      if (v >= beta) {
+        success = 2;
+        return v;
+      }
+      alpha = v;
+    }
+  }
+  const int v = ProbeTable(pos, success);
+  if (!success) return 0;
+  if (alpha >= v) {
+    success = 1 + (alpha > 0);
+    return alpha;
+  }
+  success = 1;
+  return v;
+}
+
+// Whether a legal move other than an en-passant capture exists, looking at
+// the generated moves first and then, out of check, at the quiet moves.
+template <Color Us>
+bool HasNonEnPassantMove(const Position& pos, const AttackInfo& ai, MoveEntry* list, MoveEntry* end) {
+  for (MoveEntry* it = list; it != end; ++it)
+    if (!is_en_passant(Move(*it)) && IsLegal<Us>(pos, Move(*it), ai)) return true;
+  if (InCheck<Us>(pos, ai)) return false;
+  MoveEntry quiets[MAX_MOVES];
+  MoveEntry* quiet_end = GenerateQuiets<Us>(pos, ai, neutral_history, quiets);
+  for (MoveEntry* it = quiets; it != quiet_end; ++it)
+    if (IsLegal<Us>(pos, Move(*it), ai)) return true;
+  return false;
+}
+
+// The tables hold no en-passant rights: an available en-passant capture is
+// searched here. It counts when it is at least as good as the rest, or when
+// it is the only legal move of a position the rest scores as a draw.
+template <Color Us> int ProbeWdlFor(Position& pos, int& success) {
+  success = 1;
+  int v = ProbeAlphaBeta<Us>(pos, -2, 2, success);
+  if (!success) return 0;
+  if (!pos.state->ep_square) return v;
+
+  AttackInfo ai;
+  ComputeAttackInfo(pos, ai);
+  MoveEntry list[MAX_MOVES];
+  MoveEntry* end = GenerateConversions<Us>(pos, ai, list);
+  int best_ep = -3;
+  for (MoveEntry* it = list; it != end; ++it) {
+    const Move m = Move(*it);
+    if (!is_en_passant(m) || !IsLegal<Us>(pos, m, ai)) continue;
+    pos.DoMove<Us>(m);
+    const int ep = -ProbeAlphaBeta<~Us>(pos, -2, 2, success);
+    pos.UndoMove<Us>(m);
+    if (!success) return 0;
+    best_ep = std::max(best_ep, ep);
+  }
+  if (best_ep > -3) {
+    if (best_ep >= v)
+      v = best_ep;
+    else if (v == 0 && !HasNonEnPassantMove<Us>(pos, ai, list, end))
+      v = best_ep;
+  }
+  return v;
+}
+
+}  // namespace
+
+int ProbeWdl(Position& pos, int& success) {
+  return pos.side_to_move == WHITE ? ProbeWdlFor<WHITE>(pos, success) : ProbeWdlFor<BLACK>(pos, success);
 }
 
 }  // namespace vx
