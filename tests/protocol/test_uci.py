@@ -146,10 +146,9 @@ class SetOptionCommand(UciTestCase):
         self.assertIn("option name UCI_EngineAbout type string default a spaced text", listing)
         self.assertEqual(len(listing), len(UCI_LISTING))
 
-    def test_a_tablebase_path_is_answered_as_not_supported(self):
-        answer = self.answer("setoption name Syzygy Path value /some/tables")
-        self.assertEqual(len(answer), 1)
-        self.assertTrue(answer[0].startswith("info string Syzygy tablebases are not supported"), answer)
+    def test_a_tablebase_path_without_tables_finds_none(self):
+        self.assertEqual(self.answer("setoption name Syzygy Path value /some/tables"),
+                         ["info string Found 0 syzygy tablebases"])
 
 
 class Ending(unittest.TestCase):
