@@ -12,6 +12,10 @@
 #include "egdb/syzygy_material.h"
 #include "test_util.h"
 
+#ifndef VORLAXEN_SYZYGY_DIR
+#define VORLAXEN_SYZYGY_DIR "../shared/syzygy"
+#endif
+
 namespace vx::test {
 
 // The Syzygy tables the tests read: $VORLAXEN_SYZYGY_DIR, else the shared
