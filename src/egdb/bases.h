@@ -6,6 +6,7 @@
 namespace vx {
 
 struct Position;
+class CChessPosition;
 
 // Loads the databases named by a ".tbe" file, an ".ini" list file or a
 // directory, after freeing every table loaded before.
@@ -17,5 +18,18 @@ int VorlaxenbasesLargestMen();
 // 1 win, 0 draw, -1 loss for the side to move; success is set to 1 only
 // when a table answered.
 int ProbeVorlaxenbases(Position& pos, int& success);
+
+// ---- pieces of the above, for the generator, the tests and the fuzzer ----
+
+enum class BaseFileStatus { LOADED, NOT_FOUND, INVALID, MEN_OUT_OF_RANGE };
+
+// Frees every loaded table.
+void FreeVorlaxenbases();
+// Validates one ".tbe" file and adds its tables to the loaded ones; writes
+// nothing. A file that is not LOADED adds nothing.
+BaseFileStatus LoadBaseFile(const std::string& path);
+// The probe from a library position on (colours not yet normalised): true
+// with result 1, 0 or -1 when a table answered.
+bool ProbeLibraryPosition(const CChessPosition& pos, int& result);
 
 }  // namespace vx

@@ -17,10 +17,10 @@ class EngineError(AssertionError):
 
 
 class Engine:
-    def __init__(self, path, *args, timeout=DEFAULT_TIMEOUT):
+    def __init__(self, path, *args, timeout=DEFAULT_TIMEOUT, cwd=None):
         self.timeout = timeout
         self.proc = subprocess.Popen([path, *args], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                     stderr=subprocess.DEVNULL, bufsize=0)
+                                     stderr=subprocess.DEVNULL, bufsize=0, cwd=cwd)
         self._lines = queue.Queue()
         self._pump = threading.Thread(target=self._read_stdout, daemon=True)
         self._pump.start()
@@ -109,7 +109,7 @@ class Engine:
                 pass
 
 
-def run(path, *args, stdin=b"", timeout=DEFAULT_TIMEOUT):
+def run(path, *args, stdin=b"", timeout=DEFAULT_TIMEOUT, cwd=None):
     """Runs the engine to its end; returns (exit status, output lines)."""
-    r = subprocess.run([path, *args], input=stdin, capture_output=True, timeout=timeout)
+    r = subprocess.run([path, *args], input=stdin, capture_output=True, timeout=timeout, cwd=cwd)
     return r.returncode, r.stdout.decode("utf-8", errors="replace").splitlines()

@@ -2,12 +2,25 @@
 "setoption", command-line mode, ending, and input that must not upset it."""
 import os
 import sys
+import tempfile
 import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from engine import Engine, run  # noqa: E402
 
-ENGINE = sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen"
+ENGINE = os.path.abspath(sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen")
+# The engines run in an empty directory, where the default database list
+# "vorlaxenbases/bases.ini" does not exist.
+WORKDIR = tempfile.mkdtemp(prefix="vorlaxen-uci-")
+NO_BASES = "info string vorlaxenbasses with 0 men found (0 MB)"
+
+
+def start():
+    return Engine(ENGINE, cwd=WORKDIR)
+
+
+def run_engine(*args, **kw):
+    return run(ENGINE, *args, cwd=WORKDIR, **kw)
 
 
 def cpu_has_popcnt():
@@ -47,8 +60,10 @@ UCI_LISTING = [
 
 class UciTestCase(unittest.TestCase):
     def setUp(self):
-        self.engine = Engine(ENGINE)
+        self.engine = start()
         self.assertEqual(self.engine.read_line(), GREETING)
+        # The first "isready" loads the databases of the default path: none here.
+        self.assertEqual(self.engine.sync(), [NO_BASES])
 
     def tearDown(self):
         self.engine.kill()
@@ -65,8 +80,12 @@ class UciTestCase(unittest.TestCase):
 
 class StartAndCommandWords(UciTestCase):
     def test_one_greeting_line_then_waits_for_input(self):
-        self.assertTrue(self.engine.no_output(0.3))
-        self.assertEqual(self.engine.sync(), [])
+        engine = start()
+        self.addCleanup(engine.kill)
+        self.assertEqual(engine.read_line(), GREETING)
+        self.assertTrue(engine.no_output(0.3))
+        self.assertEqual(engine.sync(), [NO_BASES])
+        self.assertEqual(engine.sync(), [])
 
     def test_uci_lists_identity_and_the_options_in_order(self):
         self.assertEqual(self.listing(), UCI_LISTING)
@@ -133,9 +152,9 @@ class SetOptionCommand(UciTestCase):
                         "setoption name Time Usage Percent value 49",
                         "setoption name MultiPV value abc", "setoption name MultiPV value 99999999999999999999",
                         "setoption name UCI_EngineAbout value a   spaced    text",
-                        "setoption name Clear Hash", "setoption name Syzygy Path value <empty>",
-                        "setoption name UCI_VorlaxenbasesPath value /nonexistent/bases.ini"):
+                        "setoption name Clear Hash", "setoption name Syzygy Path value <empty>"):
             self.assertEqual(self.answer(command), [], command)
+        self.assertEqual(self.answer("setoption name UCI_VorlaxenbasesPath value /nonexistent/bases.ini"), [NO_BASES])
         listing = self.listing()
         self.assertIn("option name Hash type spin min 1 max 65536 default 128MB", listing)
         self.assertIn("option name UCI_Elo type spin min 850 max 2800 default 1400", listing)
@@ -153,7 +172,7 @@ class SetOptionCommand(UciTestCase):
 
 class Ending(unittest.TestCase):
     def start(self):
-        engine = Engine(ENGINE)
+        engine = start()
         self.addCleanup(engine.kill)
         self.assertEqual(engine.read_line(), GREETING)
         return engine
@@ -175,24 +194,24 @@ class Ending(unittest.TestCase):
             self.assertEqual(engine.wait(5), 0, repr(line))
 
     def test_lines_after_quit_are_not_executed(self):
-        code, lines = run(ENGINE, stdin=b"isready\nquit\nisready\n")
-        self.assertEqual((code, lines), (0, [GREETING, "readyok"]))
+        code, lines = run_engine(stdin=b"isready\nquit\nisready\n")
+        self.assertEqual((code, lines), (0, [GREETING, NO_BASES, "readyok"]))
 
 
 class CommandLineMode(unittest.TestCase):
     def test_arguments_run_as_one_command(self):
-        code, lines = run(ENGINE, "uci")
+        code, lines = run_engine("uci")
         self.assertEqual((code, lines), (0, [GREETING] + UCI_LISTING))
-        code, lines = run(ENGINE, "isready")
-        self.assertEqual((code, lines), (0, [GREETING, "readyok"]))
-        code, lines = run(ENGINE, "setoption", "name", "Hashes", "value", "1")
+        code, lines = run_engine("isready")
+        self.assertEqual((code, lines), (0, [GREETING, NO_BASES, "readyok"]))
+        code, lines = run_engine("setoption", "name", "Hashes", "value", "1")
         self.assertEqual((code, lines), (0, [GREETING, "option not found: Hashes"]))
-        code, lines = run(ENGINE, "position", "startpos", "e2e4")
+        code, lines = run_engine("position", "startpos", "e2e4")
         self.assertEqual((code, lines), (0, [GREETING, "illegal position command"]))
 
     def test_standard_input_is_not_read(self):
-        code, lines = run(ENGINE, "isready", stdin=b"uci\n")
-        self.assertEqual((code, lines), (0, [GREETING, "readyok"]))
+        code, lines = run_engine("isready", stdin=b"uci\n")
+        self.assertEqual((code, lines), (0, [GREETING, NO_BASES, "readyok"]))
 
 
 START_MOVES = {"%s2%s%s" % (f, f, r) for f in "abcdefgh" for r in "34"} | {"b1a3", "b1c3", "g1f3", "g1h3"}
@@ -238,7 +257,7 @@ class DuringSearch(UciTestCase):
 
     def test_waiting_search_on_the_command_line_ends_as_if_quit_came(self):
         for args in (("go", "depth", "2", "infinite"), ("go", "ponder", "depth", "2")):
-            code, lines = run(ENGINE, *args)
+            code, lines = run_engine(*args)
             self.assertEqual(code, 0, args)
             self.assertIn(best_move(lines), START_MOVES, args)
 
