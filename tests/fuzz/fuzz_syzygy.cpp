@@ -112,7 +112,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   syzygy::ParseTableName(name, mat);
   std::mt19937_64 rng(std::hash<std::string>()(std::string(data, data + size)));
   std::vector<Position> positions;
-  for (int i = 0; i < POSITIONS; ++i) positions.push_back(test::RandomTablePosition(rng, mat, i % 2));
+  for (int i = 0; i < POSITIONS; ++i) positions.push_back(test::RandomSeriesPosition(rng, mat, uint64_t(i)));
 
   ProbeRegistered(name, file, positions);
   ProbeHeapCopy(mat, file, positions);

@@ -5,12 +5,15 @@
 #include <fstream>
 #include <set>
 
+#include "egdb/bases.h"
 #include "egdb/syzygy.h"
 #include "egdb/syzygy_registry.h"
 #include "engine/launch.h"
 #include "eval/kpk.h"
 #include "search/tbhook.h"
 #include "tablebase_util.h"
+#include "tools/tbgen/generator.h"
+#include "tools/tbgen/materials.h"
 
 namespace vx {
 namespace {
@@ -64,10 +67,14 @@ class SyzygyTables : public testing::Test {
   void SetUp() override {
     if (!test::HasTable(SyzygyDir(), "KRvK")) GTEST_SKIP() << "no Syzygy tables in " << SyzygyDir();
   }
-  static std::vector<std::string> Present() {
-    std::vector<std::string> present;
+  // The tables of the directory with their material.
+  static std::vector<std::pair<std::string, syzygy::TableMaterial>> Present() {
+    std::vector<std::pair<std::string, syzygy::TableMaterial>> present;
     for (const std::string& name : syzygy::TableNames())
-      if (test::HasTable(SyzygyDir(), name)) present.push_back(name);
+      if (test::HasTable(SyzygyDir(), name)) {
+        present.emplace_back(name, syzygy::TableMaterial{});
+        syzygy::ParseTableName(name, present.back().second);
+      }
     return present;
   }
   static inline std::string found_line;
@@ -75,7 +82,7 @@ class SyzygyTables : public testing::Test {
 
 TEST_F(SyzygyTables, RegistersEveryTableOfTheDirectory) {
   int largest = 0;
-  for (const std::string& name : Present()) largest = std::max(largest, int(name.size()) - 1);
+  for (const auto& [name, mat] : Present()) largest = std::max(largest, mat.men);
   EXPECT_EQ(found_line, "info string Found " + std::to_string(Present().size()) + " syzygy tablebases\n");
   EXPECT_EQ(SyzygyLargest(), largest);
 }
@@ -84,13 +91,9 @@ TEST_F(SyzygyTables, RegistersEveryTableOfTheDirectory) {
 // and stalemates anchor it), and against its own mirror images.
 TEST_F(SyzygyTables, RandomPositionsAgreeWithTheirChildrenAndMirrorImages) {
   std::mt19937_64 rng(2024);
-  for (const std::string& name : Present()) {
-    syzygy::TableMaterial mat;
-    syzygy::ParseTableName(name, mat);
-    const bool en_passant = mat.pawns(WHITE) && mat.pawns(BLACK);
+  for (const auto& [name, mat] : Present()) {
     for (int i = 0; i < 1200; ++i) {
-      Position pos = en_passant && i % 4 == 0 ? test::RandomEnPassantPosition(rng, mat)
-                                              : test::RandomTablePosition(rng, mat, i % 2);
+      Position pos = test::RandomSeriesPosition(rng, mat, i);
       const std::string fen = test::BoardFen(pos.board, pos.side_to_move, Square(pos.state->ep_square));
       int success = 0;
       const int v = ProbeWdl(pos, success);
@@ -105,6 +108,45 @@ TEST_F(SyzygyTables, RandomPositionsAgreeWithTheirChildrenAndMirrorImages) {
       }
     }
   }
+}
+
+// The generator's databases made by "make test-tables" when they are there,
+// else the 3-men ones, made here.
+std::string GeneratorBases(const std::filesystem::path& scratch) {
+  const std::string made = VORLAXEN_TABLES_ORACLE;
+  if (std::filesystem::exists(made + "/.made-3-4-men")) return made;
+  tbgen::GeneratorOptions options;
+  options.out_dir = scratch.string();
+  std::vector<tbgen::MaterialReport> reports;
+  std::string error;
+  EXPECT_TRUE(tbgen::GenerateBases(tbgen::AllMaterials(3), options, reports, error)) << error;
+  return options.out_dir;
+}
+
+// Sampled here; every position of the 3- and 4-men tables in "make test-tables".
+TEST_F(SyzygyTables, RandomPositionsAgreeWithTheGenerator) {
+  const std::filesystem::path scratch = std::filesystem::temp_directory_path() / ("vx_tbgen_" + std::to_string(getpid()));
+  std::filesystem::create_directories(scratch);
+  testing::internal::CaptureStdout();
+  LoadVorlaxenbases(GeneratorBases(scratch));
+  testing::internal::GetCapturedStdout();
+  std::mt19937_64 rng(99);
+  int compared = 0;
+  for (const auto& [name, mat] : Present()) {
+    for (int i = 0; i < 2000; ++i) {
+      Position pos = test::RandomSeriesPosition(rng, mat, i);
+      int base_ok = 0, success = 0;
+      const int base = ProbeVorlaxenbases(pos, base_ok);
+      if (!base_ok) break;  // no database of this material
+      const int v = ProbeWdl(pos, success);
+      ASSERT_TRUE(success);
+      ASSERT_EQ((v > 0) - (v < 0), base) << test::BoardFen(pos.board, pos.side_to_move, Square(pos.state->ep_square));
+      compared += i == 0;
+    }
+  }
+  EXPECT_GE(compared, 5);
+  FreeVorlaxenbases();
+  std::filesystem::remove_all(scratch);
 }
 
 TEST_F(SyzygyTables, KingAndPawnAgainstKingAgreesWithTheBitbase) {

@@ -8,9 +8,11 @@
 #include <functional>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "egdb/syzygy_material.h"
 #include "test_util.h"
+#include "tools/fen.h"
 
 #ifndef VORLAXEN_SYZYGY_DIR
 #define VORLAXEN_SYZYGY_DIR "../shared/syzygy"
@@ -29,24 +31,9 @@ inline bool HasTable(const std::string& dir, const std::string& name) {
   return std::filesystem::exists(dir + "/" + name + ".rtbw");
 }
 
+// FEN of a board, with an en-passant square when ep is non-zero.
 inline std::string BoardFen(const Piece* board, Color stm, Square ep = 0) {
-  std::string fen;
-  for (int r = 7; r >= 0; --r) {
-    int empty = 0;
-    for (int f = 0; f < 8; ++f) {
-      const Piece p = board[8 * r + f];
-      if (!p) {
-        ++empty;
-        continue;
-      }
-      if (empty) fen += char('0' + empty);
-      empty = 0;
-      fen += PIECE_LETTERS[p];
-    }
-    if (empty) fen += char('0' + empty);
-    if (r) fen += '/';
-  }
-  return fen + (stm == WHITE ? " w - " : " b - ") + (ep ? square_text(ep) : "-") + " 0 1";
+  return dev::PlacementFen(board) + (stm == WHITE ? " w - " : " b - ") + (ep ? square_text(ep) : "-") + " 0 1";
 }
 
 // Sets the position when the engine accepts it for a search.
@@ -96,6 +83,54 @@ inline Position RandomEnPassantPosition(std::mt19937_64& rng, const syzygy::Tabl
     PlaceRandomly(rng, rest, false, board, sq_bb(ep) | sq_bb(from));
     if (SetIfSearchable(pos, board, us, ep)) return pos;
   }
+}
+
+// Every position of the table's material that the engine accepts, both sides
+// to move, each followed by its variants with an en-passant capture open to
+// the side to move; visit(pos) is called for each. Like men stand on
+// increasing squares, so no placement comes twice.
+template <class Visit>
+void ForEachTablePosition(const syzygy::TableMaterial& mat, Visit&& visit) {
+  constexpr PieceType TYPES[7] = {NO_PIECE_TYPE, PAWN, KNIGHT, BISHOP_L, ROOK, QUEEN, KING};
+  std::vector<int> codes;
+  for (int code = 1; code < 16; ++code) codes.insert(codes.end(), size_t(mat.count[code]), code);
+  Piece board[64] = {};
+  Position pos;
+  auto leaf = [&] {
+    for (const Color us : {WHITE, BLACK}) {
+      if (SetIfSearchable(pos, board, us)) visit(pos);
+      // Enemy pawns that may just have advanced two squares next to ours.
+      const int rank = us == WHITE ? 4 : 3, dir = us == WHITE ? 1 : -1;
+      for (int f = 0; f < 8; ++f) {
+        const Square pushed = make_square(f, rank), ep = pushed + 8 * dir;
+        const bool beside = (f > 0 && board[pushed - 1] == make_piece(us, PAWN)) ||
+                            (f < 7 && board[pushed + 1] == make_piece(us, PAWN));
+        if (board[pushed] == make_piece(~us, PAWN) && beside && !board[ep] && !board[ep + 8 * dir] &&
+            SetIfSearchable(pos, board, us, ep))
+          visit(pos);
+      }
+    }
+  };
+  auto place = [&](auto&& self, size_t i, Square first) -> void {
+    if (i == codes.size()) return leaf();
+    const PieceType t = TYPES[codes[i] & 7];
+    const bool same = i + 1 < codes.size() && codes[i + 1] == codes[i];
+    for (Square s = first; s < 64; ++s) {
+      if (board[s] || (t == PAWN && (s < 8 || s >= 56))) continue;
+      board[s] = make_piece(Color(codes[i] >> 3), t == BISHOP_L ? bishop_type_on(s) : t);
+      self(self, i + 1, same ? s + 1 : 0);
+      board[s] = NO_PIECE;
+    }
+  };
+  place(place, 0, 0);
+}
+
+// The i-th position of a random series: every fourth one with an en-passant
+// capture when both sides have pawns, the others with the name's first side
+// White and Black in turn.
+inline Position RandomSeriesPosition(std::mt19937_64& rng, const syzygy::TableMaterial& mat, uint64_t i) {
+  if (i % 4 == 0 && mat.pawns(WHITE) && mat.pawns(BLACK)) return RandomEnPassantPosition(rng, mat);
+  return RandomTablePosition(rng, mat, i % 2);
 }
 
 // The position mirrored left to right, or with the colours swapped (ranks
