@@ -24,7 +24,9 @@ struct DiagramLevel {
   uint32_t entry(uint64_t j) const {
     const uint64_t bit = j * width;
     const size_t w = size_t(bit >> 5);
-    const uint64_t pair = uint64_t(words[w]) | uint64_t(words[w + 1]) << 32;
+    // A level of zero-width entries has only the padding word.
+    const uint64_t high = w + 1 < words.size() ? words[w + 1] : 0;
+    const uint64_t pair = uint64_t(words[w]) | high << 32;
     return uint32_t(pair >> (bit & 31)) & mask;
   }
   // Nodes of this level (entries = nodes + threshold).
