@@ -1,9 +1,11 @@
-// Probing speed of the Syzygy tables on random KRPvKR positions with the
-// table mapped and its pages in memory (every position probed once before
-// timing). ProbeWdl includes its search of captures; the table lookup alone
-// is measured too.
+// Probing speed of the endgame databases on random positions of one
+// material with the tables mapped and their pages in memory (every position
+// is probed once before timing): ProbeWdl with its search of captures, the
+// Syzygy table lookup alone, and ProbeVorlaxenbases on the generator's
+// databases under build/tbgen-oracle when they cover the material.
 #include <benchmark/benchmark.h>
 
+#include "egdb/bases.h"
 #include "egdb/syzygy.h"
 #include "egdb/syzygy_registry.h"
 #include "egdb/syzygy_value.h"
@@ -12,54 +14,67 @@
 namespace vx {
 namespace {
 
-struct KrpvkrPositions {
-  std::vector<Position> positions;
-  KrpvkrPositions() {
+using Prober = int (*)(Position&, int&);
+
+void LoadDatabases() {
+  static const bool loaded = [] {
     test::init();
     InitSyzygy(test::SyzygyDir());
-    syzygy::TableMaterial mat;
-    syzygy::ParseTableName("KRPvKR", mat);
-    std::mt19937_64 rng(7);
-    for (int i = 0; i < 4096; ++i) positions.push_back(test::RandomTablePosition(rng, mat, i % 2));
-    for (Position& pos : positions) {
-      int success = 0;
-      ProbeWdl(pos, success);
-    }
-  }
-};
-
-KrpvkrPositions& krpvkr() {
-  static KrpvkrPositions p;
-  return p;
+    LoadVorlaxenbases(VORLAXEN_TABLES_ORACLE);
+    return true;
+  }();
+  (void)loaded;
 }
 
-void BM_ProbeWdl(benchmark::State& state) {
-  auto& set = krpvkr().positions;
-  if (!SyzygyLargest()) state.SkipWithError("no Syzygy tables");
+// 4096 random positions of the material, each probed once by `probe`;
+// empty when the prober does not answer them.
+std::vector<Position> HotPositions(const std::string& name, Prober probe) {
+  LoadDatabases();
+  syzygy::TableMaterial mat;
+  syzygy::ParseTableName(name, mat);
+  std::mt19937_64 rng(7);
+  std::vector<Position> positions;
+  for (int i = 0; i < 4096; ++i) positions.push_back(test::RandomTablePosition(rng, mat, i % 2));
+  for (Position& pos : positions) {
+    int success = 0;
+    probe(pos, success);
+    if (!success) return {};
+  }
+  return positions;
+}
+
+int TableLookup(Position& pos, int& success) {
+  const Key key = syzygy::PositionTableKey(pos);
+  const syzygy::TableEntry* table = syzygy::FindTable(pos, key);
+  const int v = table ? syzygy::StoredValue(*table, pos, key) : -1;
+  success = v >= 0;
+  return v;
+}
+
+void Probes(benchmark::State& state, const std::string& name, Prober probe) {
+  std::vector<Position> set = HotPositions(name, probe);
+  if (set.empty()) {
+    state.SkipWithError(("no table answers " + name).c_str());
+    return;
+  }
   size_t i = 0;
   for (auto _ : state) {
     int success = 0;
-    benchmark::DoNotOptimize(ProbeWdl(set[i], success));
+    benchmark::DoNotOptimize(probe(set[i], success));
     if (++i == set.size()) i = 0;
   }
-  state.SetItemsProcessed(state.iterations());
+  state.SetItemsProcessed(int64_t(state.iterations()));
 }
-BENCHMARK(BM_ProbeWdl);
 
-void BM_StoredValue(benchmark::State& state) {
-  auto& set = krpvkr().positions;
-  const Key key = syzygy::PositionTableKey(set[0]);
-  const syzygy::TableEntry* table = syzygy::FindTable(set[0], key);
-  if (!table) state.SkipWithError("no KRPvKR table");
-  size_t i = 0;
-  for (auto _ : state) {
-    const Position& pos = set[i];
-    benchmark::DoNotOptimize(syzygy::StoredValue(*table, pos, syzygy::PositionTableKey(pos)));
-    if (++i == set.size()) i = 0;
+const bool registered = [] {
+  for (const char* name : {"KRPvKR", "KQvKR"}) {
+    benchmark::RegisterBenchmark((std::string("ProbeWdl/") + name).c_str(), Probes, name, ProbeWdl);
+    benchmark::RegisterBenchmark((std::string("SyzygyTableLookup/") + name).c_str(), Probes, name, TableLookup);
+    benchmark::RegisterBenchmark((std::string("ProbeVorlaxenbases/") + name).c_str(), Probes, name,
+                                 ProbeVorlaxenbases);
   }
-  state.SetItemsProcessed(state.iterations());
-}
-BENCHMARK(BM_StoredValue);
+  return true;
+}();
 
 }  // namespace
 }  // namespace vx
