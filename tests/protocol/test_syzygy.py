@@ -13,7 +13,7 @@ import unittest
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from engine import Engine  # noqa: E402
 
-ENGINE = sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen"
+ENGINE = os.path.abspath(sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen")
 HERE = os.path.dirname(os.path.abspath(__file__))
 TABLES = os.environ.get("VORLAXEN_SYZYGY_DIR", os.path.join(HERE, "..", "..", "..", "shared", "syzygy"))
 HAVE_TABLES = os.path.isfile(os.path.join(TABLES, "KQvK.rtbw"))
@@ -24,11 +24,13 @@ KQVK = "position fen 8/8/8/2k5/8/8/8/3QK3 w - - 0 1"
 
 class SyzygyTestCase(unittest.TestCase):
     def setUp(self):
-        self.engine = Engine(ENGINE, timeout=20.0)
-        self.engine.read_line()  # greeting
         tmp = tempfile.TemporaryDirectory()
         self.addCleanup(tmp.cleanup)
         self.tmp = tmp.name
+        # Started in an empty directory: no Vorlaxenbases under their default path.
+        self.engine = Engine(ENGINE, timeout=20.0, cwd=self.tmp)
+        self.engine.read_line()  # greeting
+        self.assertEqual(self.engine.sync(), ["info string vorlaxenbasses with 0 men found (0 MB)"])
 
     def tearDown(self):
         self.engine.kill()
