@@ -5,11 +5,13 @@
 #   make test   build, run every test, then the unit tests under ASan+UBSan,
 #               then a short smoke run of every fuzz target when clang is there
 #   make fuzz   run every fuzz target for FUZZ_SECONDS (default 60) seconds
+#   make test-tables  compare the Syzygy tables with the engine's own generator
+#               position by position (minutes; the first run also generates)
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 60
 FUZZ_CXX := $(shell command -v clang++-14 2>/dev/null || command -v clang++ 2>/dev/null)
 
-.PHONY: all run bases test test-release test-sanitize test-fuzz-smoke fuzz fuzz-build clean
+.PHONY: all run bases test test-release test-sanitize test-fuzz-smoke fuzz fuzz-build test-tables clean
 
 all:
 	cmake -S . -B build -DCMAKE_BUILD_TYPE=Release >/dev/null
@@ -48,6 +50,9 @@ test-fuzz-smoke:
 	    $(FUZZ_CXX) -x c++ -fsanitize=fuzzer - -o /tmp/vorlaxen-fuzz-probe 2>/dev/null; then \
 	  echo "fuzz smoke SKIPPED: no clang++ with libFuzzer on this machine (Debian: clang-14 libclang-rt-14-dev)"; \
 	else $(MAKE) --no-print-directory fuzz FUZZ_SECONDS=20; fi
+
+test-tables: all
+	JOBS=$(JOBS) tests/tables/run
 
 clean:
 	rm -rf build build-sanitize build-fuzz

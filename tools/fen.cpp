@@ -49,12 +49,12 @@ char castling_letter(const Position& pos, uint32_t right) {
 
 }  // namespace
 
-std::string PositionFen(const Position& pos, int halfmove_clock, int fullmove) {
+std::string PlacementFen(const Piece* board) {
   std::string fen;
   for (int rank = 7; rank >= 0; --rank) {
     int empty = 0;
     for (int file = 0; file < 8; ++file) {
-      const Piece p = pos.piece_on(make_square(file, rank));
+      const Piece p = board[make_square(file, rank)];
       if (!p) {
         ++empty;
         continue;
@@ -66,6 +66,11 @@ std::string PositionFen(const Position& pos, int halfmove_clock, int fullmove) {
     if (empty) fen += char('0' + empty);
     if (rank) fen += '/';
   }
+  return fen;
+}
+
+std::string PositionFen(const Position& pos, int halfmove_clock, int fullmove) {
+  std::string fen = PlacementFen(pos.board);
   fen += pos.side_to_move == WHITE ? " w " : " b ";
   std::string castling;
   for (uint32_t right : {WHITE_OO, WHITE_OOO, BLACK_OO, BLACK_OOO})

@@ -8,6 +8,9 @@
 
 namespace vx::dev {
 
+// The placement field of a FEN: the 64 squares of a board, rank 8 first.
+std::string PlacementFen(const Piece* board);
+
 // FEN of the position; castling as KQkq where the rook stands in its corner
 // and the king on the e-file, else as rook-file letters; the en-passant square
 // only when a legal capture there exists.

@@ -7,8 +7,10 @@ namespace vx {
 
 struct Position;
 
-// Registers the tables found along a ";"-separated path list; an empty list
-// or "<empty>" stands for no path.
+// Frees the tables registered before, then registers the ".rtbw" files found
+// along a path list (directories separated by ";" or ":"), the first
+// directory that holds a table winning. An empty list or "<empty>" stands
+// for no path.
 void InitSyzygy(const std::string& path);
 
 // The greatest number of men of any registered table (0 when none).

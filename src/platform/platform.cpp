@@ -2,6 +2,7 @@
 
 #include <cpuid.h>
 #include <dirent.h>
+#include <errno.h>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -27,18 +28,40 @@ void sleep_ms(int ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms
 
 MappedFile map_file(const std::string& path) {
   MappedFile f;
-  int fd = ::open(path.c_str(), O_RDONLY);
-  if (fd < 0) return f;
+  const int fd = ::open(path.c_str(), O_RDONLY);
+  if (fd < 0) {
+    f.failure = MapFailure::OPEN;
+    f.error = errno;
+    return f;
+  }
   struct stat st;
-  if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && st.st_size > 0) {
+  if (::fstat(fd, &st) != 0) {
+    f.failure = MapFailure::SIZE;
+    f.error = errno;
+  } else if (!S_ISREG(st.st_mode)) {
+    f.failure = MapFailure::OPEN;
+    f.error = EISDIR;
+  } else if (st.st_size > 0) {
     void* p = ::mmap(nullptr, size_t(st.st_size), PROT_READ, MAP_SHARED, fd, 0);
     if (p != MAP_FAILED) {
       f.data = static_cast<const uint8_t*>(p);
       f.size = size_t(st.st_size);
+    } else {
+      f.failure = MapFailure::MAP;
+      f.error = errno;
     }
   }
   ::close(fd);
   return f;
+}
+
+bool is_readable_file(const std::string& path) {
+  const int fd = ::open(path.c_str(), O_RDONLY);
+  if (fd < 0) return false;
+  struct stat st;
+  const bool regular = ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+  ::close(fd);
+  return regular;
 }
 
 void unmap_file(MappedFile& f) {

@@ -17,13 +17,21 @@ bool cpu_has_popcnt();
 
 void sleep_ms(int ms);
 
-// A read-only mapping of a whole file. Empty (data == nullptr) on failure.
+// A read-only mapping of a whole file. Empty (data == nullptr) on failure
+// and for an empty file; failure then says which step failed and error holds
+// the system's error code.
+enum class MapFailure { NONE, OPEN, SIZE, MAP };
 struct MappedFile {
   const uint8_t* data = nullptr;
   size_t size = 0;
+  MapFailure failure = MapFailure::NONE;
+  int error = 0;
 };
 MappedFile map_file(const std::string& path);
 void unmap_file(MappedFile& f);
+
+// The path names a regular file that can be opened for reading.
+bool is_readable_file(const std::string& path);
 
 // Names (not paths) of the regular files in a directory; empty on failure.
 std::vector<std::string> list_directory(const std::string& dir);

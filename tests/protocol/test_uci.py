@@ -163,10 +163,9 @@ class SetOptionCommand(UciTestCase):
                    13: "option name UCI_VorlaxenbasesPath type string default /nonexistent/bases.ini"}
         self.assertEqual(self.listing(), [changed.get(i, line) for i, line in enumerate(UCI_LISTING)])
 
-    def test_a_tablebase_path_is_answered_as_not_supported(self):
-        answer = self.answer("setoption name Syzygy Path value /some/tables")
-        self.assertEqual(len(answer), 1)
-        self.assertTrue(answer[0].startswith("info string Syzygy tablebases are not supported"), answer)
+    def test_a_tablebase_path_without_tables_finds_none(self):
+        self.assertEqual(self.answer("setoption name Syzygy Path value /some/tables"),
+                         ["info string Found 0 syzygy tablebases"])
 
 
 class Ending(unittest.TestCase):

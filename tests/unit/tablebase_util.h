@@ -1,0 +1,174 @@
+// Positions and oracles for the tablebase tests: random legal positions of a
+// table's material (with en-passant rights too), mirror images, and the value
+// that one ply of search gives from the values of the children.
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "egdb/syzygy_material.h"
+#include "test_util.h"
+#include "tools/fen.h"
+
+#ifndef VORLAXEN_SYZYGY_DIR
+#define VORLAXEN_SYZYGY_DIR "../shared/syzygy"
+#endif
+
+namespace vx::test {
+
+// The Syzygy tables the tests read: $VORLAXEN_SYZYGY_DIR, else the shared
+// directory beside the source tree.
+inline std::string SyzygyDir() {
+  const char* env = std::getenv("VORLAXEN_SYZYGY_DIR");
+  return env ? env : VORLAXEN_SYZYGY_DIR;
+}
+
+inline bool HasTable(const std::string& dir, const std::string& name) {
+  return std::filesystem::exists(dir + "/" + name + ".rtbw");
+}
+
+// FEN of a board, with an en-passant square when ep is non-zero.
+inline std::string BoardFen(const Piece* board, Color stm, Square ep = 0) {
+  return dev::PlacementFen(board) + (stm == WHITE ? " w - " : " b - ") + (ep ? square_text(ep) : "-") + " 0 1";
+}
+
+// Sets the position when the engine accepts it for a search.
+inline bool SetIfSearchable(Position& pos, const Piece* board, Color stm, Square ep = 0) {
+  return pos.SetFromFen(BoardFen(board, stm, ep)) && !PositionDefect(pos);
+}
+
+// Places the men of the table's material on free squares outside `keep_empty`;
+// the name's first side is White unless black_first.
+inline void PlaceRandomly(std::mt19937_64& rng, const syzygy::TableMaterial& mat, bool black_first, Piece* board,
+                          Bitboard keep_empty = 0) {
+  constexpr PieceType TYPES[7] = {NO_PIECE_TYPE, PAWN, KNIGHT, BISHOP_L, ROOK, QUEEN, KING};
+  for (int code = 1; code < 16; ++code)
+    for (int n = 0; n < mat.count[code]; ++n) {
+      const PieceType t = TYPES[code & 7];
+      Square s;
+      do s = Square(rng() % 64);
+      while (board[s] || (keep_empty & sq_bb(s)) || (t == PAWN && (s < 8 || s >= 56)));
+      board[s] = make_piece(Color((code >> 3) ^ int(black_first)), t == BISHOP_L ? bishop_type_on(s) : t);
+    }
+}
+
+inline Position RandomTablePosition(std::mt19937_64& rng, const syzygy::TableMaterial& mat, bool black_first = false) {
+  Position pos;
+  for (;;) {
+    Piece board[64] = {};
+    PlaceRandomly(rng, mat, black_first, board);
+    if (SetIfSearchable(pos, board, Color(rng() & 1))) return pos;
+  }
+}
+
+// A position of the material (pawns on both sides) where the side to move
+// may capture en passant the enemy pawn that has just advanced two squares.
+inline Position RandomEnPassantPosition(std::mt19937_64& rng, const syzygy::TableMaterial& mat) {
+  Position pos;
+  for (;;) {
+    const Color us = Color(rng() & 1);
+    const int file = int(rng() % 8), side = file == 0 ? 1 : file == 7 ? -1 : (rng() & 1 ? 1 : -1);
+    const Square pushed = make_square(file, us == WHITE ? 4 : 3);
+    const Square ep = make_square(file, us == WHITE ? 5 : 2), from = make_square(file, us == WHITE ? 6 : 1);
+    Piece board[64] = {};
+    board[pushed] = make_piece(~us, PAWN);
+    board[pushed + side] = make_piece(us, PAWN);
+    syzygy::TableMaterial rest = mat;
+    --rest.count[(~us << 3) | 1];
+    --rest.count[(us << 3) | 1];
+    PlaceRandomly(rng, rest, false, board, sq_bb(ep) | sq_bb(from));
+    if (SetIfSearchable(pos, board, us, ep)) return pos;
+  }
+}
+
+// Every position of the table's material that the engine accepts, both sides
+// to move, each followed by its variants with an en-passant capture open to
+// the side to move; visit(pos) is called for each. Like men stand on
+// increasing squares, so no placement comes twice.
+template <class Visit>
+void ForEachTablePosition(const syzygy::TableMaterial& mat, Visit&& visit) {
+  constexpr PieceType TYPES[7] = {NO_PIECE_TYPE, PAWN, KNIGHT, BISHOP_L, ROOK, QUEEN, KING};
+  std::vector<int> codes;
+  for (int code = 1; code < 16; ++code) codes.insert(codes.end(), size_t(mat.count[code]), code);
+  Piece board[64] = {};
+  Position pos;
+  auto leaf = [&] {
+    for (const Color us : {WHITE, BLACK}) {
+      if (SetIfSearchable(pos, board, us)) visit(pos);
+      // Enemy pawns that may just have advanced two squares next to ours.
+      const int rank = us == WHITE ? 4 : 3, dir = us == WHITE ? 1 : -1;
+      for (int f = 0; f < 8; ++f) {
+        const Square pushed = make_square(f, rank), ep = pushed + 8 * dir;
+        const bool beside = (f > 0 && board[pushed - 1] == make_piece(us, PAWN)) ||
+                            (f < 7 && board[pushed + 1] == make_piece(us, PAWN));
+        if (board[pushed] == make_piece(~us, PAWN) && beside && !board[ep] && !board[ep + 8 * dir] &&
+            SetIfSearchable(pos, board, us, ep))
+          visit(pos);
+      }
+    }
+  };
+  auto place = [&](auto&& self, size_t i, Square first) -> void {
+    if (i == codes.size()) return leaf();
+    const PieceType t = TYPES[codes[i] & 7];
+    const bool same = i + 1 < codes.size() && codes[i + 1] == codes[i];
+    for (Square s = first; s < 64; ++s) {
+      if (board[s] || (t == PAWN && (s < 8 || s >= 56))) continue;
+      board[s] = make_piece(Color(codes[i] >> 3), t == BISHOP_L ? bishop_type_on(s) : t);
+      self(self, i + 1, same ? s + 1 : 0);
+      board[s] = NO_PIECE;
+    }
+  };
+  place(place, 0, 0);
+}
+
+// The i-th position of a random series: every fourth one with an en-passant
+// capture when both sides have pawns, the others with the name's first side
+// White and Black in turn.
+inline Position RandomSeriesPosition(std::mt19937_64& rng, const syzygy::TableMaterial& mat, uint64_t i) {
+  if (i % 4 == 0 && mat.pawns(WHITE) && mat.pawns(BLACK)) return RandomEnPassantPosition(rng, mat);
+  return RandomTablePosition(rng, mat, i % 2);
+}
+
+// The position mirrored left to right, or with the colours swapped (ranks
+// flipped and the other side to move); the game value stays the same.
+inline Position Mirrored(const Position& pos, bool swap_colors) {
+  const int flip = swap_colors ? 56 : 7;
+  Piece board[64] = {};
+  for (Square s = 0; s < 64; ++s) {
+    Piece p = pos.board[s];
+    if (!p) continue;
+    if (swap_colors) p ^= 8;
+    board[s ^ flip] = is_bishop(p) ? make_piece(color_of(p), bishop_type_on(s ^ flip)) : p;
+  }
+  Position out;
+  const Square ep = pos.state->ep_square ? Square(pos.state->ep_square) ^ flip : 0;
+  out.SetFromFen(BoardFen(board, swap_colors ? ~pos.side_to_move : pos.side_to_move, ep));
+  return out;
+}
+
+using Probe = std::function<int(Position&, int&)>;
+
+// The side to move's result by one ply: the best over the legal moves of
+// minus the sign of the child's probe; mate -1, stalemate 0. ok is cleared
+// when a child's probe fails.
+inline int OnePlySign(Position& pos, const Probe& probe, bool& ok) {
+  MoveList moves;
+  GenerateLegal(pos, moves);
+  if (!moves.size) return InCheck(pos) ? -1 : 0;
+  int best = -1;
+  for (const Move m : moves) {
+    play(pos, m);
+    int success = 0;
+    const int v = probe(pos, success);
+    unplay(pos, m);
+    if (!success) ok = false;
+    best = std::max(best, (v < 0) - (v > 0));
+  }
+  return best;
+}
+
+}  // namespace vx::test
