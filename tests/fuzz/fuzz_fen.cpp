@@ -10,17 +10,9 @@
 #include "engine/engine.h"
 #include "engine/startup.h"
 #include "engine/uci.h"
+#include "fuzz_engine.h"
 
 namespace {
-
-vx::Engine& TheEngine() {
-  static vx::Engine* engine = [] {
-    std::freopen("/dev/null", "w", stdout);
-    vx::InitStaticTables();
-    return new vx::Engine(1);
-  }();
-  return *engine;
-}
 
 // Two plies by hand: after every legal move both kings are still there and
 // the mover's king is not attacked.
@@ -41,7 +33,7 @@ void CheckTwoPlies(vx::Position& pos) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size > 512) return 0;
-  vx::Engine& engine = TheEngine();
+  vx::Engine& engine = fuzz::TheEngine();
   std::string fen(reinterpret_cast<const char*>(data), size);
   for (char& c : fen)
     if (c == '\n' || c == '\r') c = ' ';

@@ -15,6 +15,7 @@
 #include "engine/engine.h"
 #include "engine/startup.h"
 #include "engine/uci.h"
+#include "fuzz_engine.h"
 
 namespace {
 
@@ -42,19 +43,10 @@ std::string Tame(const std::string& line) {
   return "go nodes 3000" + rest;
 }
 
-vx::Engine& TheEngine() {
-  static vx::Engine* engine = [] {
-    std::freopen("/dev/null", "w", stdout);
-    vx::InitStaticTables();
-    return new vx::Engine(1);
-  }();
-  return *engine;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  vx::Engine& engine = TheEngine();
+  vx::Engine& engine = fuzz::TheEngine();
   vx::ThreadPool& pool = engine.pool;
   std::string text(reinterpret_cast<const char*>(data), size);
   std::istringstream lines(text);
