@@ -1,7 +1,7 @@
-// Fuzzing the Vorlaxenbases loader and prober: the input is written as a
-// ".tbe" file, either as it is or behind a valid header with the checksum
-// made to fit (so that the record reader itself is fuzzed), loaded, and
-// positions of every table it yields are probed.
+// The Vorlaxenbases loader and prober: the input becomes a ".tbe" file, as
+// it is or (odd first byte) behind a valid header with a fitting checksum so
+// that the record reader itself is fuzzed; positions of every table loaded
+// are probed.
 #include <unistd.h>
 
 #include <cstdint>

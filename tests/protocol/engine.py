@@ -2,14 +2,17 @@
 
 Engine(path, *args) starts the process; send() writes lines, read_line() and
 read_until() read them with time limits, so that a hung engine fails a test
-instead of hanging it. run() executes the engine once in command-line mode.
+instead of hanging it. start() gives a test its engine; run() executes the
+engine once in command-line mode.
 """
 import queue
 import subprocess
+import tempfile
 import threading
 import time
 
 DEFAULT_TIMEOUT = 10.0
+NO_BASES = "info string vorlaxenbasses with 0 men found (0 MB)"
 
 
 class EngineError(AssertionError):
@@ -107,6 +110,20 @@ class Engine:
                 f.close()
             except (OSError, ValueError):
                 pass
+
+
+def start(case, path, cwd=None, timeout=DEFAULT_TIMEOUT):
+    """An engine for one test, killed at its end, its greeting read (kept in
+    .greeting). Without cwd it runs in a fresh empty directory (case.tmp),
+    where no databases lie under their default path."""
+    if cwd is None:
+        tmp = tempfile.TemporaryDirectory()
+        case.addCleanup(tmp.cleanup)
+        cwd = case.tmp = tmp.name
+    engine = Engine(path, timeout=timeout, cwd=cwd)
+    case.addCleanup(engine.kill)
+    engine.greeting = engine.read_line()
+    return engine
 
 
 def run(path, *args, stdin=b"", timeout=DEFAULT_TIMEOUT, cwd=None):

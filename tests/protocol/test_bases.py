@@ -1,6 +1,6 @@
 """Vorlaxenbases end to end: vorlaxen-tbgen makes files, the engine loads
-them (by file, list file, directory and default path), probes them in the
-search and reports sbhits; the generator's own errors."""
+them (by file, directory and default list file), probes them in the search
+and reports sbhits; the generator's own errors."""
 import os
 import re
 import shutil
@@ -10,11 +10,12 @@ import tempfile
 import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from engine import Engine  # noqa: E402
+from engine import start  # noqa: E402
 
 ENGINE = os.path.abspath(sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen")
 TBGEN = os.path.join(os.path.dirname(ENGINE), "vorlaxen-tbgen")
-KRK = "position fen 8/8/8/4k3/8/8/8/R3K3 w - - 0 1"
+LOADING = "info string loading vorlaxenbases "
+FOUND_3 = "info string vorlaxenbasses with 3 men found (0 MB)"
 
 
 def tbgen(*args):
@@ -23,84 +24,60 @@ def tbgen(*args):
 
 
 class Generator(unittest.TestCase):
-    def test_bad_arguments_are_refused_with_a_message(self):
+    def test_bad_arguments_and_an_unwritable_directory_are_refused_with_a_message(self):
         for args, status, text in ((["kxk"], 2, "unknown material"), (["kqrbnk"], 2, "at most five"),
-                                   (["kk"], 2, "no piece"), (["--all", "6"], 2, "--all wants"),
-                                   ([], 2, "usage")):
+                                   (["kk"], 2, "no piece"), (["--all", "6"], 2, "--all wants"), ([], 2, "usage"),
+                                   (["--out", "/proc/vorlaxen-no-such-dir", "krk"], 1, "output directory")):
             code, err = tbgen(*args)
             self.assertEqual(code, status, args)
             self.assertIn(text, err, args)
-
-    def test_an_unwritable_directory_is_reported(self):
-        code, err = tbgen("--out", "/proc/vorlaxen-no-such-dir", "krk")
-        self.assertEqual(code, 1)
-        self.assertIn("output directory", err)
 
 
 class EngineWithBases(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.dir = tempfile.mkdtemp(prefix="vorlaxen-bases-")
-        code, err = tbgen("--out", os.path.join(cls.dir, "vorlaxenbases"), "krk", "kqk")
-        assert code == 0, err
         cls.bases = os.path.join(cls.dir, "vorlaxenbases")
+        code, err = tbgen("--out", cls.bases, "krk", "kqk")
+        assert code == 0, err
 
     @classmethod
     def tearDownClass(cls):
         shutil.rmtree(cls.dir)
 
-    def start(self):
-        engine = Engine(ENGINE, cwd=self.dir)
-        self.addCleanup(engine.kill)
-        engine.read_line()  # greeting
-        return engine
-
-    def search(self, engine, depth=6):
-        engine.send(KRK)
-        engine.send("go depth %d" % depth)
-        return engine.read_until(lambda l: l.startswith("bestmove"))
-
-    def test_the_default_list_file_is_read_by_the_first_isready(self):
-        e = self.start()
-        self.assertEqual(e.sync(), ["info string loading vorlaxenbases vorlaxenbases/krk.tbe",
-                                    "info string loading vorlaxenbases vorlaxenbases/kqk.tbe",
-                                    "info string vorlaxenbasses with 3 men found (0 MB)"])
-        self.assertEqual(e.sync(), [])
+    def krk_search(self, options=(), depth=6):
+        """The pv lines of a KRK search in an engine started beside the bases."""
+        e = start(self, ENGINE, cwd=self.dir)
+        e.sync()
+        for option in options:
+            e.send("setoption name " + option)
+        e.sync()
+        e.send("position fen 8/8/8/4k3/8/8/8/R3K3 w - - 0 1")
+        e.send("go depth %d" % depth)
+        return [l for l in e.read_until(lambda l: l.startswith("bestmove")) if " pv " in l]
 
     def test_a_krk_search_reports_sbhits_and_a_winning_score(self):
-        e = self.start()
-        e.sync()
-        lines = self.search(e)
-        pv = [l for l in lines if " pv " in l]
-        self.assertTrue(pv)
-        self.assertTrue(all(" sbhits " in l for l in pv), pv[-1])
+        pv = self.krk_search()
+        self.assertTrue(pv and all(" sbhits " in l for l in pv), pv)
         score = re.search(r" score (cp|mate) (-?\d+)", pv[-1])
         self.assertTrue(score.group(1) == "mate" or int(score.group(2)) > 5000, pv[-1])
 
-    def test_no_sbhits_when_switched_off(self):
-        e = self.start()
-        e.sync()
-        e.send("setoption name Use Vorlaxenbases value false")
-        lines = self.search(e)
-        self.assertFalse([l for l in lines if "sbhits" in l])
+    def test_no_sbhits_when_switched_off_or_nothing_loaded(self):
+        for option in ("Use Vorlaxenbases value false", "UCI_VorlaxenbasesPath value /nonexistent/krk.tbe"):
+            self.assertFalse([l for l in self.krk_search([option], 4) if "sbhits" in l], option)
 
-    def test_loading_by_file_directory_and_missing_file(self):
-        e = self.start()
-        e.sync()
-        krk = os.path.join(self.bases, "krk.tbe")
-        e.send("setoption name UCI_VorlaxenbasesPath value " + krk)
-        self.assertEqual(e.sync(), ["info string loading vorlaxenbases " + krk,
-                                    "info string vorlaxenbasses with 3 men found (0 MB)"])
-        e.send("setoption name UCI_VorlaxenbasesPath value " + self.bases)
-        lines = e.sync()
-        self.assertEqual(sorted(lines[:-1]), sorted("info string loading vorlaxenbases %s/%s" % (self.bases, f)
-                                                    for f in ("krk.tbe", "kqk.tbe")))
-        missing = os.path.join(self.bases, "kpk.TBE")
-        e.send("setoption name UCI_VorlaxenbasesPath value " + missing)
-        self.assertEqual(e.sync(), ["info string vorlaxenbases not found: " + missing,
-                                    "info string vorlaxenbasses with 0 men found (0 MB)"])
-        lines = self.search(e, 3)
-        self.assertFalse([l for l in lines if "sbhits" in l])
+    def test_loading_by_default_list_file_file_directory_and_missing_file(self):
+        e = start(self, ENGINE, cwd=self.dir)
+        self.assertEqual(e.sync(), [LOADING + "vorlaxenbases/krk.tbe", LOADING + "vorlaxenbases/kqk.tbe", FOUND_3])
+        self.assertEqual(e.sync(), [])
+        krk, missing = os.path.join(self.bases, "krk.tbe"), os.path.join(self.bases, "kpk.TBE")
+        for path, lines in ((krk, [LOADING + krk, FOUND_3]),
+                            (self.bases, sorted(LOADING + os.path.join(self.bases, f) for f in ("kqk.tbe", "krk.tbe")) + [FOUND_3]),
+                            (missing, ["info string vorlaxenbases not found: " + missing,
+                                       "info string vorlaxenbasses with 0 men found (0 MB)"])):
+            e.send("setoption name UCI_VorlaxenbasesPath value " + path)
+            got = e.sync()
+            self.assertEqual(sorted(got[:-1]) + got[-1:], lines, path)
 
 
 if __name__ == "__main__":

@@ -1,9 +1,7 @@
-// Compares the Syzygy tables with the engine's own databases made by
-// vorlaxen-tbgen: every position of every 3- and 4-men table (both sides to
-// move, and with en-passant rights where both sides have pawns), random
-// positions of the larger ones. Win, draw and loss must agree; the databases
-// know no 50-move rule, so Syzygy's cursed wins and blessed losses count as
-// wins and losses. Run by "make test-tables".
+// "make test-tables": the Syzygy tables against the databases of
+// vorlaxen-tbgen, every position of the 3- and 4-men tables (both sides to
+// move, en passant included), random ones of the larger. The databases know
+// no 50-move rule, so cursed wins and blessed losses count as wins and losses.
 //
 //   syzygy_tables SYZYGY_DIR BASES_DIR [--random N] [TABLE...]
 #include <chrono>

@@ -10,93 +10,72 @@
 namespace vx {
 namespace {
 
-const char* const NAMES[] = {"krk", "kqk", "kpk", "krkp", "kpkp"};
-
-class BasesRoundTrip : public testing::Test {
- protected:
-  // KRKP and KPKP are solved with draws standing in for the materials their
-  // promotions lead to: the values are those of a slightly different game,
-  // which serves a round trip as well as the real one and takes a fraction
-  // of the time.
-  static void SetUpTestSuite() {
-    store_ = new tbgen::SolutionStore(test::solve({"krk", "kqk", "kpk"}));
-    for (const char* n : {"kqkr", "krkr", "krkb", "krkn", "kqkp", "kbkp", "knkp"}) test::add_stand_in(*store_, n);
-    test::solve_into(*store_, "krkp");
-    test::solve_into(*store_, "kpkp");
-    dir_ = test::temp_dir("roundtrip");
-    for (const char* n : NAMES) test::write_material(test::solution(*store_, n), dir_ + "/" + n + ".tbe");
-  }
-  static void TearDownTestSuite() {
-    FreeVorlaxenbases();
-    std::filesystem::remove_all(dir_);
-    delete store_;
-  }
-  void SetUp() override {
-    testing::internal::CaptureStdout();
-    LoadVorlaxenbases(dir_);  // a directory named without a trailing separator
-    testing::internal::GetCapturedStdout();
-  }
-
-  static tbgen::SolutionStore* store_;
-  static std::string dir_;
+struct Tally {
+  uint64_t probed = 0, en_passant = 0, wrong = 0, unanswered = 0;
+  std::string first;  // the first position probed wrong
 };
 
-tbgen::SolutionStore* BasesRoundTrip::store_ = nullptr;
-std::string BasesRoundTrip::dir_;
+enum Road { LIBRARY, ENGINE, ENGINE_COLOURS_TURNED };
 
-// One test, so that the files are made once per test process.
-TEST_F(BasesRoundTrip, EveryLegalPositionProbesToItsSolvedValue) {
-  ASSERT_EQ(VorlaxenbasesLargestMen(), 4);
-  for (const char* name : NAMES) {
-    const tbgen::Solution& s = test::solution(*store_, name);
-    uint64_t probed = 0, wrong = 0, en_passant = 0;
-    std::string first;
-    test::for_each_legal(s, [&](const tbgen::SolverPosition& p, Color stm, uint8_t v) {
-      CChessPosition pos;
-      tbgen::SetLibraryPosition(s.layout, p, stm, pos);
-      int r = 2;
-      const bool ok = ProbeLibraryPosition(pos, r) && r == test::expected_result(v);
-      if (!ok && first.empty()) first = LibraryFen(pos);
-      wrong += !ok;
-      en_passant += p.ep >= 0;
-      ++probed;
-    });
-    EXPECT_EQ(wrong, 0u) << name << ", first: " << first;
-    EXPECT_GT(probed, 40000u) << name;
-    if (std::string(name) == "kpkp") {
-      EXPECT_GT(en_passant, 10000u);
-    }
-  }
-
-  // Through the engine's Position: every en-passant position of KPKP, and
-  // KRKP with the rook on Black's side, which the probe turns over.
-  const tbgen::Solution& kpkp = test::solution(*store_, "kpkp");
-  const tbgen::Solution& krkp = test::solution(*store_, "krkp");
-  int checked = 0, wrong = 0;
-  auto check = [&](const std::string& fen, int expected, bool wants_ep) {
-    Position pos = test::from_fen(fen);
-    ASSERT_EQ(pos.state->ep_square != 0, wants_ep) << fen;
-    int success = 0;
-    const int r = ProbeVorlaxenbases(pos, success);
-    wrong += !success || r != expected;
-    ++checked;
-  };
-  test::for_each_legal(kpkp, [&](const tbgen::SolverPosition& p, Color stm, uint8_t v) {
-    if (p.ep < 0) return;
-    CChessPosition lib;
-    tbgen::SetLibraryPosition(kpkp.layout, p, stm, lib);
-    check(LibraryFen(lib), test::expected_result(v), true);
-  });
-  uint64_t n = 0;
-  test::for_each_legal(krkp, [&](const tbgen::SolverPosition& p, Color stm, uint8_t v) {
-    if (++n % 101) return;
+// Probes the legal positions of a solved material that `take` picks, through
+// the library's probe or the engine's Position (on the board as solved, or with
+// the colours turned, which the probe turns back).
+template <class Take>
+Tally ProbeSolved(const tbgen::Solution& s, Road road, Take take) {
+  Tally t;
+  test::for_each_legal(s, [&](const tbgen::SolverPosition& p, Color stm, uint8_t v) {
+    if (!take(p, stm)) return;
     CChessPosition lib, turned;
-    tbgen::SetLibraryPosition(krkp.layout, p, stm, lib);
+    tbgen::SetLibraryPosition(s.layout, p, stm, lib);
     MirrorColours(lib, turned);
-    check(LibraryFen(turned), test::expected_result(v), false);
+    const std::string fen = LibraryFen(road == ENGINE_COLOURS_TURNED ? turned : lib);
+    int r = 2, ok = 0;
+    bool ep = p.ep >= 0;
+    if (road == LIBRARY) {
+      ok = ProbeLibraryPosition(lib, r);
+    } else {
+      Position pos = test::from_fen(fen);
+      r = ProbeVorlaxenbases(pos, ok);
+      ep = pos.state->ep_square != 0;  // the FEN kept the en-passant square
+    }
+    ++t.probed, t.en_passant += ep, t.unanswered += !ok;
+    if (ok && r != test::expected_result(v) && !t.wrong++) t.first = fen;
   });
-  EXPECT_EQ(wrong, 0);
-  EXPECT_GT(checked, 10000);
+  return t;
+}
+
+const auto EVERY = [](const tbgen::SolverPosition&, Color) { return true; };
+
+// KRKP and KPKP are solved with draws standing in for the materials their
+// promotions lead to: the values are those of a slightly different game,
+// which serves a round trip as well as the real one in a fraction of the time.
+TEST(BasesRoundTrip, EveryLegalPositionProbesToItsSolvedValue) {
+  tbgen::SolutionStore store = test::solve({"krk", "kqk", "kpk"});
+  for (const char* n : {"kqkr", "krkr", "krkb", "krkn", "kqkp", "kbkp", "knkp"}) test::add_stand_in(store, n);
+  for (const char* n : {"krkp", "kpkp"}) test::solve_into(store, test::material(n));
+  const std::string dir = test::temp_dir("roundtrip");
+  const char* const names[] = {"krk", "kqk", "kpk", "krkp", "kpkp"};
+  for (const char* n : names) test::write_material(test::solution(store, n), dir + "/" + n + ".tbe");
+  testing::internal::CaptureStdout();
+  LoadVorlaxenbases(dir);  // a directory named without a trailing separator
+  testing::internal::GetCapturedStdout();
+  ASSERT_EQ(VorlaxenbasesLargestMen(), 4);
+  for (const char* name : names) {
+    const Tally t = ProbeSolved(test::solution(store, name), LIBRARY, EVERY);
+    EXPECT_EQ(t.wrong + t.unanswered, 0u) << name << ", first: " << t.first;
+    EXPECT_GT(t.probed, 40000u) << name;
+    EXPECT_GE(t.en_passant, std::string(name) == "kpkp" ? 10000u : 0u) << name;
+  }
+  // Through the engine's Position: every en-passant position of KPKP, and
+  // every 101st of KRKP with the colours turned.
+  const Tally ep = ProbeSolved(test::solution(store, "kpkp"), ENGINE, [](const tbgen::SolverPosition& p, Color) { return p.ep >= 0; });
+  uint64_t n = 0;
+  const Tally turned = ProbeSolved(test::solution(store, "krkp"), ENGINE_COLOURS_TURNED, [&](auto&, Color) { return ++n % 101 == 0; });
+  for (const Tally& t : {ep, turned}) EXPECT_EQ(t.wrong + t.unanswered, 0u) << t.first;
+  EXPECT_EQ(ep.en_passant, ep.probed);
+  EXPECT_GT(ep.probed + turned.probed, 10000u);
+  FreeVorlaxenbases();
+  std::filesystem::remove_all(dir);
 }
 
 TEST(BasesOnePly, ALeftOutPartIsAnsweredThroughTheOtherPartAndTheSmallerTables) {
@@ -105,33 +84,17 @@ TEST(BasesOnePly, ALeftOutPartIsAnsweredThroughTheOtherPartAndTheSmallerTables) 
   for (const char* n : {"kqk", "krk"}) test::write_material(test::solution(store, n), dir + "/" + n + ".tbe");
   const tbgen::Solution& kqkr = test::solution(store, "kqkr");
   test::write_material(kqkr, dir + "/kqkr.tbe", BLACK);
-  // Every Black-to-move position, or every seventh.
-  auto count = [&](int& wrong, int& unanswered, int every) {
-    wrong = unanswered = 0;
-    int n = 0;
-    test::for_each_legal(kqkr, [&](const tbgen::SolverPosition& p, Color stm, uint8_t v) {
-      if (stm != BLACK || ++n % every) return;
-      CChessPosition pos;
-      tbgen::SetLibraryPosition(kqkr.layout, p, stm, pos);
-      int r = 2;
-      if (!ProbeLibraryPosition(pos, r))
-        ++unanswered;
-      else
-        wrong += r != test::expected_result(v);
-    });
-  };
   testing::internal::CaptureStdout();
   LoadVorlaxenbases(dir + "/");
-  int wrong = 0, unanswered = 0;
-  count(wrong, unanswered, 1);
-  EXPECT_EQ(wrong, 0);
-  EXPECT_EQ(unanswered, 0);
+  const Tally all = ProbeSolved(kqkr, LIBRARY, [](auto&, Color stm) { return stm == BLACK; });
+  EXPECT_EQ(all.wrong + all.unanswered, 0u) << all.first;
   // Without the three-men tables, Black's captures of the queen go unanswered.
   LoadVorlaxenbases(dir + "/kqkr.tbe");
   testing::internal::GetCapturedStdout();
-  count(wrong, unanswered, 7);
-  EXPECT_EQ(wrong, 0);
-  EXPECT_GT(unanswered, 100);
+  uint64_t n = 0;
+  const Tally alone = ProbeSolved(kqkr, LIBRARY, [&](auto&, Color stm) { return stm == BLACK && ++n % 7 == 0; });
+  EXPECT_EQ(alone.wrong, 0u) << alone.first;
+  EXPECT_GT(alone.unanswered, 100u);
   FreeVorlaxenbases();
   std::filesystem::remove_all(dir);
 }

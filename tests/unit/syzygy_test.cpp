@@ -1,6 +1,7 @@
+// The Syzygy prober on the tables of SyzygyDir(): the generator's databases
+// and one ply of search as oracles, mirror images, bishops of either colour,
+// a second directory and the en-passant rule.
 #include <gtest/gtest.h>
-
-#include <unistd.h>
 
 #include <fstream>
 #include <set>
@@ -9,18 +10,15 @@
 #include "egdb/syzygy.h"
 #include "egdb/syzygy_registry.h"
 #include "engine/launch.h"
-#include "eval/kpk.h"
 #include "search/tbhook.h"
 #include "tablebase_util.h"
+#include "tbgen_test_util.h"
 #include "tools/tbgen/generator.h"
-#include "tools/tbgen/materials.h"
 
 namespace vx {
 namespace {
 
 using test::SyzygyDir;
-
-int Probe(Position& pos, int& success) { return ProbeWdl(pos, success); }
 
 int ProbeFen(const std::string& fen, int& success) {
   Position pos = test::from_fen(fen);
@@ -29,18 +27,14 @@ int ProbeFen(const std::string& fen, int& success) {
 
 TEST(SyzygyNames, EveryMaterialUpToSixMenOnceAndTheHashHoldsThemAll) {
   test::init();
-  const std::vector<std::string> names = syzygy::TableNames();
-  EXPECT_EQ(names.size(), 510u);  // the complete set of WDL tables up to six men
   std::set<Key> keys;
-  for (const std::string& name : names) {
+  for (const std::string& name : syzygy::TableNames()) {
     syzygy::TableMaterial mat;
     ASSERT_TRUE(syzygy::ParseTableName(name, mat)) << name;
     const Key key = syzygy::TableKey(mat, false), swapped = syzygy::TableKey(mat, true);
-    EXPECT_TRUE(keys.insert(key).second) << name;
-    if (swapped != key) {
-      EXPECT_TRUE(keys.insert(swapped).second) << name;
-    }
+    EXPECT_TRUE(keys.insert(key).second && (swapped == key || keys.insert(swapped).second)) << name;
   }
+  EXPECT_EQ(syzygy::TableNames().size(), 510u);  // every WDL table up to six men
   EXPECT_LE(syzygy::FullestBucketOfAllNames(), syzygy::HSHMAX);
 }
 
@@ -67,123 +61,103 @@ class SyzygyTables : public testing::Test {
   void SetUp() override {
     if (!test::HasTable(SyzygyDir(), "KRvK")) GTEST_SKIP() << "no Syzygy tables in " << SyzygyDir();
   }
-  // The tables of the directory with their material.
-  static std::vector<std::pair<std::string, syzygy::TableMaterial>> Present() {
-    std::vector<std::pair<std::string, syzygy::TableMaterial>> present;
-    for (const std::string& name : syzygy::TableNames())
-      if (test::HasTable(SyzygyDir(), name)) {
-        present.emplace_back(name, syzygy::TableMaterial{});
-        syzygy::ParseTableName(name, present.back().second);
-      }
-    return present;
-  }
   static inline std::string found_line;
 };
 
-TEST_F(SyzygyTables, RegistersEveryTableOfTheDirectory) {
-  int largest = 0;
-  for (const auto& [name, mat] : Present()) largest = std::max(largest, mat.men);
-  EXPECT_EQ(found_line, "info string Found " + std::to_string(Present().size()) + " syzygy tablebases\n");
-  EXPECT_EQ(SyzygyLargest(), largest);
+// The side to move's result by one ply: the best over its moves of minus the
+// sign of the child's value; mated -1, stalemate 0; 2 when a child's probe fails.
+int OnePlySign(Position& pos) {
+  MoveList moves;
+  GenerateLegal(pos, moves);
+  if (!moves.size) return InCheck(pos) ? -1 : 0;
+  int best = -1;
+  for (const Move m : moves) {
+    test::play(pos, m);
+    int success = 0;
+    const int v = ProbeWdl(pos, success);
+    test::unplay(pos, m);
+    if (!success) return 2;
+    best = std::max(best, (v < 0) - (v > 0));
+  }
+  return best;
 }
 
-// Every table against one ply of search over the tables themselves (mates
-// and stalemates anchor it), and against its own mirror images.
-TEST_F(SyzygyTables, RandomPositionsAgreeWithTheirChildrenAndMirrorImages) {
-  std::mt19937_64 rng(2024);
-  for (const auto& [name, mat] : Present()) {
-    for (int i = 0; i < 1200; ++i) {
-      Position pos = test::RandomSeriesPosition(rng, mat, i);
-      const std::string fen = test::BoardFen(pos.board, pos.side_to_move, Square(pos.state->ep_square));
-      int success = 0;
-      const int v = ProbeWdl(pos, success);
-      ASSERT_TRUE(success) << name << " " << fen;
-      bool ok = true;
-      ASSERT_EQ((v > 0) - (v < 0), test::OnePlySign(pos, Probe, ok)) << name << " " << fen << " wdl " << v;
-      ASSERT_TRUE(ok) << fen;
-      for (const bool colors : {false, true}) {
-        Position image = test::Mirrored(pos, colors);
-        ASSERT_EQ(ProbeWdl(image, success), v) << name << " " << fen << (colors ? " colours" : " files");
-        ASSERT_TRUE(success);
-      }
-    }
-  }
+// The position mirrored left to right, or with the colours swapped (ranks
+// flipped and the other side to move); the value stays the same.
+Position Mirrored(const Position& pos, bool swap_colors) {
+  const int flip = swap_colors ? 56 : 7;
+  Piece board[64] = {};
+  for (Square s = 0; s < 64; ++s)
+    if (Piece p = pos.board[s] ^ (swap_colors && pos.board[s] ? 8 : 0))
+      board[s ^ flip] = is_bishop(p) ? make_piece(color_of(p), bishop_type_on(s ^ flip)) : p;
+  Position out;
+  const Square ep = pos.state->ep_square ? Square(pos.state->ep_square) ^ flip : 0;
+  out.SetFromFen(test::BoardFen(board, swap_colors ? ~pos.side_to_move : pos.side_to_move, ep));
+  return out;
 }
 
 // The generator's databases made by "make test-tables" when they are there,
 // else the 3-men ones, made here.
-std::string GeneratorBases(const std::filesystem::path& scratch) {
+std::string GeneratorBases(const std::string& scratch) {
   const std::string made = VORLAXEN_TABLES_ORACLE;
   if (std::filesystem::exists(made + "/.made-3-4-men")) return made;
   tbgen::GeneratorOptions options;
-  options.out_dir = scratch.string();
+  options.out_dir = scratch;
   std::vector<tbgen::MaterialReport> reports;
   std::string error;
   EXPECT_TRUE(tbgen::GenerateBases(tbgen::AllMaterials(3), options, reports, error)) << error;
-  return options.out_dir;
+  return scratch;
 }
 
-// Sampled here; every position of the 3- and 4-men tables in "make test-tables".
-TEST_F(SyzygyTables, RandomPositionsAgreeWithTheGenerator) {
-  const std::filesystem::path scratch = std::filesystem::temp_directory_path() / ("vx_tbgen_" + std::to_string(getpid()));
-  std::filesystem::create_directories(scratch);
+// Random positions of every table against the generator's databases where
+// they cover it (every position in "make test-tables"), against one ply of
+// search over the tables themselves, and against their mirror images.
+TEST_F(SyzygyTables, RandomPositionsAgreeWithTheGeneratorTheirChildrenAndMirrorImages) {
+  const std::string scratch = test::temp_dir("syzygy-oracle");
   testing::internal::CaptureStdout();
   LoadVorlaxenbases(GeneratorBases(scratch));
   testing::internal::GetCapturedStdout();
-  std::mt19937_64 rng(99);
-  int compared = 0;
-  for (const auto& [name, mat] : Present()) {
+  std::mt19937_64 rng(2024);
+  int tables = 0, largest = 0, compared = 0;
+  for (const std::string& name : syzygy::TableNames()) {
+    if (!test::HasTable(SyzygyDir(), name)) continue;
+    syzygy::TableMaterial mat;
+    syzygy::ParseTableName(name, mat);
+    ++tables, largest = std::max(largest, mat.men);
     for (int i = 0; i < 2000; ++i) {
       Position pos = test::RandomSeriesPosition(rng, mat, i);
-      int base_ok = 0, success = 0;
-      const int base = ProbeVorlaxenbases(pos, base_ok);
-      if (!base_ok) break;  // no database of this material
-      const int v = ProbeWdl(pos, success);
-      ASSERT_TRUE(success);
-      ASSERT_EQ((v > 0) - (v < 0), base) << test::BoardFen(pos.board, pos.side_to_move, Square(pos.state->ep_square));
-      compared += i == 0;
+      const std::string at = name + " " + test::BoardFen(pos.board, pos.side_to_move, Square(pos.state->ep_square));
+      int success = 0, base_ok = 0;
+      const int v = ProbeWdl(pos, success), sign = (v > 0) - (v < 0), base = ProbeVorlaxenbases(pos, base_ok);
+      ASSERT_TRUE(success) << at;
+      ASSERT_TRUE(!base_ok || base == sign) << at << " wdl " << v << " generator " << base;
+      compared += base_ok && i == 0;
+      ASSERT_EQ(sign, OnePlySign(pos)) << at << " wdl " << v;
+      for (const bool colors : {false, true}) {
+        Position image = Mirrored(pos, colors);
+        ASSERT_EQ(ProbeWdl(image, success), v) << at << (colors ? " colours" : " files");
+        ASSERT_TRUE(success) << at;
+      }
     }
   }
+  EXPECT_EQ(found_line, "info string Found " + std::to_string(tables) + " syzygy tablebases\n");
+  EXPECT_EQ(SyzygyLargest(), largest);
   EXPECT_GE(compared, 5);
   FreeVorlaxenbases();
   std::filesystem::remove_all(scratch);
 }
 
-TEST_F(SyzygyTables, KingAndPawnAgainstKingAgreesWithTheBitbase) {
-  for (const Color stm : {WHITE, BLACK})
-    for (Square k = 0; k < 64; ++k)
-      for (Square weak = 0; weak < 64; ++weak)
-        for (Square p = 8; p < 56; ++p) {
-          Piece board[64] = {};
-          board[k] = W_KING;
-          board[weak] = B_KING;
-          board[p] = W_PAWN;
-          Position pos;
-          if (k == weak || k == p || weak == p || !test::SetIfSearchable(pos, board, stm)) continue;
-          const int m = file_of(p) > 3 ? 7 : 0;
-          const bool win = kpk_probe(k ^ m, weak ^ m, p ^ m, stm == WHITE);
-          int success = 0;
-          const int v = ProbeWdl(pos, success);
-          ASSERT_EQ(v, win ? (stm == WHITE ? 2 : -2) : 0) << test::BoardFen(board, stm);
-        }
-}
-
 TEST_F(SyzygyTables, BishopsOfEitherColourProbeTheSameTable) {
-  for (const char* fen : {"8/8/8/3k4/8/8/8/2B1K3 w - - 0 1", "8/8/8/3k4/8/8/8/3BK3 w - - 0 1"}) {
+  for (const auto& [fen, wdl] : {std::pair{"8/8/8/3k4/8/8/8/2B1K3 w - - 0 1", 0}, {"8/8/8/3k4/8/8/8/3BK3 w - - 0 1", 0},
+                                 {"8/8/8/8/8/5k2/8/4KB1N w - - 0 1", 2}, {"8/8/8/8/8/5k2/8/2B1K2N w - - 0 1", 2}}) {
     int success = 0;
-    EXPECT_EQ(ProbeFen(fen, success), 0) << fen;
+    EXPECT_EQ(ProbeFen(fen, success), wdl) << fen;
     EXPECT_EQ(success, 1) << fen;
   }
-  int light = 0, dark = 0;  // a won KBNvK with either bishop
-  EXPECT_EQ(ProbeFen("8/8/8/8/8/5k2/8/4KB1N w - - 0 1", light), 2);
-  EXPECT_EQ(ProbeFen("8/8/8/8/8/5k2/8/2B1K2N w - - 0 1", dark), 2);
-  EXPECT_TRUE(light && dark);
 }
 
 TEST_F(SyzygyTables, RootFilterKeepsOnlyTheMovesThatKeepTheWin) {
   Position pos = test::from_fen("8/8/8/8/8/1k6/R7/3K4 w - - 0 1");  // the king attacks the rook
-  int success = 0;
-  ASSERT_EQ(ProbeWdl(pos, success), 2);
   MoveList legal;
   GenerateLegal(pos, legal);
   tb_hook.probe = ProbeWdl;
@@ -197,22 +171,22 @@ TEST_F(SyzygyTables, RootFilterKeepsOnlyTheMovesThatKeepTheWin) {
 // A KRPvKP table that scores every position a draw: the pawn layout's four
 // files with both sides' piece orders, then eight one-value sub-tables.
 void WriteDrawnTable(const std::string& path) {
-  std::vector<uint8_t> bytes = {0x71, 0xE8, 0x23, 0x5D, 0x03};  // magic, both sides stored, pawns
-  for (int file = 0; file < 4; ++file) bytes.insert(bytes.end(), {0x00, 0x11, 0x11, 0x99, 0x44, 0x66, 0xEE});
-  if (bytes.size() & 1) bytes.push_back(0);
-  for (int sub = 0; sub < 8; ++sub) bytes.insert(bytes.end(), {0x80, 0x02});
-  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+  std::string bytes = "\x71\xE8\x23\x5D\x03";  // magic, both sides stored, pawns
+  for (int file = 0; file < 4; ++file) bytes += std::string("\x00\x11\x11\x99\x44\x66\xEE", 7);
+  if (bytes.size() & 1) bytes += '\0';
+  for (int sub = 0; sub < 8; ++sub) bytes += "\x80\x02";
+  std::ofstream(path, std::ios::binary) << bytes;
 }
 
+// The table is found in the second directory; Black's only legal move is
+// bxa3 e.p., after which White wins, whatever the table says.
 TEST_F(SyzygyTables, AnEnPassantCaptureThatIsTheOnlyMoveOverridesTheTable) {
-  const std::filesystem::path dir = std::filesystem::temp_directory_path() / ("vx_syzygy_" + std::to_string(getpid()));
-  std::filesystem::create_directories(dir);
-  WriteDrawnTable((dir / "KRPvKP.rtbw").string());
+  const std::string dir = test::temp_dir("syzygy-ep");
+  WriteDrawnTable(dir + "/KRPvKP.rtbw");
   testing::internal::CaptureStdout();
-  InitSyzygy(SyzygyDir() + ";" + dir.string());
+  InitSyzygy(SyzygyDir() + ";" + dir);
   testing::internal::GetCapturedStdout();
   int success = 0;
-  // Black's only legal move is bxa3 e.p., after which White wins.
   EXPECT_EQ(ProbeFen("8/8/2R5/k7/Pp6/1K6/8/8 b - - 0 1", success), 0);
   EXPECT_EQ(ProbeFen("8/8/2R5/k7/Pp6/1K6/8/8 b - a3 0 1", success), -2);
   EXPECT_TRUE(success);

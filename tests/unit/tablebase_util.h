@@ -1,11 +1,9 @@
-// Positions and oracles for the tablebase tests: random legal positions of a
-// table's material (with en-passant rights too), mirror images, and the value
-// that one ply of search gives from the values of the children.
+// Positions of a Syzygy table's material for the tablebase tests, the
+// benchmark and the fuzz target: random ones (en-passant rights too) and all.
 #pragma once
 
 #include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <random>
 #include <string>
 #include <vector>
@@ -131,44 +129,6 @@ void ForEachTablePosition(const syzygy::TableMaterial& mat, Visit&& visit) {
 inline Position RandomSeriesPosition(std::mt19937_64& rng, const syzygy::TableMaterial& mat, uint64_t i) {
   if (i % 4 == 0 && mat.pawns(WHITE) && mat.pawns(BLACK)) return RandomEnPassantPosition(rng, mat);
   return RandomTablePosition(rng, mat, i % 2);
-}
-
-// The position mirrored left to right, or with the colours swapped (ranks
-// flipped and the other side to move); the game value stays the same.
-inline Position Mirrored(const Position& pos, bool swap_colors) {
-  const int flip = swap_colors ? 56 : 7;
-  Piece board[64] = {};
-  for (Square s = 0; s < 64; ++s) {
-    Piece p = pos.board[s];
-    if (!p) continue;
-    if (swap_colors) p ^= 8;
-    board[s ^ flip] = is_bishop(p) ? make_piece(color_of(p), bishop_type_on(s ^ flip)) : p;
-  }
-  Position out;
-  const Square ep = pos.state->ep_square ? Square(pos.state->ep_square) ^ flip : 0;
-  out.SetFromFen(BoardFen(board, swap_colors ? ~pos.side_to_move : pos.side_to_move, ep));
-  return out;
-}
-
-using Probe = std::function<int(Position&, int&)>;
-
-// The side to move's result by one ply: the best over the legal moves of
-// minus the sign of the child's probe; mate -1, stalemate 0. ok is cleared
-// when a child's probe fails.
-inline int OnePlySign(Position& pos, const Probe& probe, bool& ok) {
-  MoveList moves;
-  GenerateLegal(pos, moves);
-  if (!moves.size) return InCheck(pos) ? -1 : 0;
-  int best = -1;
-  for (const Move m : moves) {
-    play(pos, m);
-    int success = 0;
-    const int v = probe(pos, success);
-    unplay(pos, m);
-    if (!success) ok = false;
-    best = std::max(best, (v < 0) - (v > 0));
-  }
-  return best;
 }
 
 }  // namespace vx::test

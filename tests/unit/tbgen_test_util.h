@@ -1,9 +1,6 @@
 // Solving and writing small materials for the database tests.
 #pragma once
 
-#include <unistd.h>
-
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -24,16 +21,18 @@ inline BaseMaterial material(const std::string& name) {
   return m;
 }
 
+inline void solve_into(tbgen::SolutionStore& store, const BaseMaterial& m) {
+  tbgen::SolveStats stats;
+  store.add(tbgen::Solve(tbgen::LayoutOf(m), store, 2, stats));
+}
+
 // Solves the materials and everything they convert into.
 inline tbgen::SolutionStore solve(const std::vector<std::string>& names) {
   init();
   std::vector<BaseMaterial> wanted;
   for (const std::string& n : names) wanted.push_back(material(n));
   tbgen::SolutionStore store;
-  for (const BaseMaterial& m : tbgen::SolveOrder(wanted)) {
-    tbgen::SolveStats stats;
-    store.add(tbgen::Solve(tbgen::LayoutOf(m), store, 2, stats));
-  }
+  for (const BaseMaterial& m : tbgen::SolveOrder(wanted)) solve_into(store, m);
   return store;
 }
 
@@ -48,11 +47,6 @@ inline void add_stand_in(tbgen::SolutionStore& store, const std::string& name) {
 
 inline const tbgen::Solution& solution(const tbgen::SolutionStore& store, const std::string& name) {
   return *store.find(material(name).signature());
-}
-
-inline void solve_into(tbgen::SolutionStore& store, const std::string& name) {
-  tbgen::SolveStats stats;
-  store.add(tbgen::Solve(tbgen::LayoutOf(material(name)), store, 2, stats));
 }
 
 // Encodes a solved material (quickly: one variable order, no refinement)
@@ -78,13 +72,5 @@ void for_each_legal(const tbgen::Solution& s, F&& f) {
 }
 
 inline int expected_result(uint8_t v) { return v == tbgen::V_WIN ? 1 : v == tbgen::V_DRAW ? 0 : -1; }
-
-// A fresh directory under the system's temporary directory.
-inline std::string temp_dir(const std::string& name) {
-  const auto dir = std::filesystem::temp_directory_path() / ("vorlaxen-" + name + "-" + std::to_string(::getpid()));
-  std::filesystem::remove_all(dir);
-  std::filesystem::create_directories(dir);
-  return dir.string();
-}
 
 }  // namespace vx::test

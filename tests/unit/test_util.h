@@ -2,7 +2,9 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <filesystem>
 #include <random>
 #include <string>
 
@@ -69,6 +71,14 @@ void random_walks(std::initializer_list<const char*> starts, int games, int plie
         pos.ApplyGameMove(list.moves[xorshift_step(seed) % list.size]);
       }
     }
+}
+
+// A fresh directory under the system's temporary directory.
+inline std::string temp_dir(const std::string& name) {
+  const auto dir = std::filesystem::temp_directory_path() / ("vorlaxen-" + name + "-" + std::to_string(::getpid()));
+  std::filesystem::remove_all(dir);
+  std::filesystem::create_directories(dir);
+  return dir.string();
 }
 
 }  // namespace vx::test
