@@ -11,9 +11,7 @@ import unittest
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from test_search import SearchTestCase, is_bestmove  # noqa: E402
 
-ENGINE = sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen"
-# Syzygy tables: $VORLAXEN_SYZYGY_PATH, else the shared folder beside the checkout.
-SYZYGY = os.environ.get("VORLAXEN_SYZYGY_PATH",
+SYZYGY = os.environ.get("VORLAXEN_SYZYGY_DIR",
                         os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "shared", "syzygy"))
 
 
@@ -34,11 +32,10 @@ class Limited(SearchTestCase):
         return lines, best, time.monotonic() - start
 
     def test_fixed_depth_ends_after_about_the_budget(self):
-        for elo, budget in ((850, 10 + 6), (1450, 640 + 110)):  # full material
-            self.limit(elo)
-            lines, _, seconds = self.timed_go("position startpos", "go depth 30")
-            self.assertLessEqual(max_field(lines, "nodes"), budget + 40)
-            self.assertLess(seconds, 3.0)  # no clock, no wait
+        self.limit(850)
+        lines, _, seconds = self.timed_go("position startpos", "go depth 30")
+        self.assertLessEqual(max_field(lines, "nodes"), 10 + 6 + 40)  # full material: 10 nodes, up to 6 more
+        self.assertLess(seconds, 3.0)  # no clock, no wait
         moves = {self.go("position startpos moves e2e4", "go depth 30")[1] for _ in range(6)}
         self.assertGreater(len(moves), 1)  # the generator is never reseeded
 
@@ -56,7 +53,6 @@ class Limited(SearchTestCase):
         time.sleep(0.3)
         self.engine.send("ponderhit")
         self.engine.read_until(is_bestmove, 2.0)
-        self.assertEqual(self.go("position fen 7k/6Q1/6K1/8/8/8/8/8 b - - 0 1", "go wtime 100")[1], "0000")
 
     def start_long_wait(self):
         self.limit(850)
@@ -78,11 +74,10 @@ class Limited(SearchTestCase):
 
     def test_limited_search_reports_no_tbhits(self):
         if not glob.glob(os.path.join(SYZYGY, "*.rtbw")):
-            self.skipTest("no Syzygy tables in %s (set VORLAXEN_SYZYGY_PATH)" % SYZYGY)
+            self.skipTest("no Syzygy tables in %s (set VORLAXEN_SYZYGY_DIR)" % SYZYGY)
         self.engine.send("setoption name Syzygy Path value %s" % os.path.abspath(SYZYGY))
         position = "position fen 8/8/8/4k3/8/8/1r6/1R2K2R w - - 0 1"  # five men; Rxb2 leaves four
-        if max_field(self.go(position, "go depth 8")[0], "tbhits") == 0:
-            self.skipTest("this build probes no Syzygy tables yet")
+        self.assertGreater(max_field(self.go(position, "go depth 8")[0], "tbhits"), 0)
         self.limit(2800)
         self.assertEqual(max_field(self.go(position, "go depth 8")[0], "tbhits"), 0)
 

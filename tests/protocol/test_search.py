@@ -3,16 +3,13 @@
 import os
 import re
 import sys
-import tempfile
 import time
 import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from engine import Engine, run  # noqa: E402
+from engine import NO_BASES, run, start  # noqa: E402
 
 ENGINE = os.path.abspath(sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen")
-# An empty working directory: no databases under the default path.
-WORKDIR = tempfile.mkdtemp(prefix="vorlaxen-search-")
 UCI_MOVE = re.compile(r"^[a-h][1-8][a-h][1-8][nbrq]?$")
 
 
@@ -22,12 +19,8 @@ def is_bestmove(line):
 
 class SearchTestCase(unittest.TestCase):
     def setUp(self):
-        self.engine = Engine(ENGINE, timeout=20.0, cwd=WORKDIR)
-        self.engine.read_line()  # greeting
-        self.assertEqual(self.engine.sync(), ["info string vorlaxenbasses with 0 men found (0 MB)"])
-
-    def tearDown(self):
-        self.engine.kill()
+        self.engine = start(self, ENGINE, timeout=20.0)
+        self.assertEqual(self.engine.sync(), [NO_BASES])
 
     def go(self, position, go, timeout=None):
         """Runs one search to its "bestmove"; returns (info lines, best, ponder)."""

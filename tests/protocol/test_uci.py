@@ -6,21 +6,15 @@ import tempfile
 import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from engine import Engine, run  # noqa: E402
+from engine import NO_BASES, run, start  # noqa: E402
 
 ENGINE = os.path.abspath(sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen")
-# The engines run in an empty directory, where the default database list
-# "vorlaxenbases/bases.ini" does not exist.
-WORKDIR = tempfile.mkdtemp(prefix="vorlaxen-uci-")
-NO_BASES = "info string vorlaxenbasses with 0 men found (0 MB)"
-
-
-def start():
-    return Engine(ENGINE, cwd=WORKDIR)
 
 
 def run_engine(*args, **kw):
-    return run(ENGINE, *args, cwd=WORKDIR, **kw)
+    """Command-line mode in an empty directory, where the default database list does not exist."""
+    with tempfile.TemporaryDirectory() as tmp:
+        return run(ENGINE, *args, cwd=tmp, **kw)
 
 
 def cpu_has_popcnt():
@@ -60,13 +54,10 @@ UCI_LISTING = [
 
 class UciTestCase(unittest.TestCase):
     def setUp(self):
-        self.engine = start()
-        self.assertEqual(self.engine.read_line(), GREETING)
-        # The first "isready" loads the databases of the default path: none here.
+        # One greeting line; the first "isready" loads the databases of the default path: none here.
+        self.engine = start(self, ENGINE)
+        self.assertEqual(self.engine.greeting, GREETING)
         self.assertEqual(self.engine.sync(), [NO_BASES])
-
-    def tearDown(self):
-        self.engine.kill()
 
     def answer(self, command):
         """The lines a command writes, up to the "readyok" of a following isready."""
@@ -79,26 +70,14 @@ class UciTestCase(unittest.TestCase):
 
 
 class StartAndCommandWords(UciTestCase):
-    def test_one_greeting_line_then_waits_for_input(self):
-        engine = start()
-        self.addCleanup(engine.kill)
-        self.assertEqual(engine.read_line(), GREETING)
-        self.assertTrue(engine.no_output(0.3))
-        self.assertEqual(engine.sync(), [NO_BASES])
-        self.assertEqual(engine.sync(), [])
-
     def test_uci_lists_identity_and_the_options_in_order(self):
         self.assertEqual(self.listing(), UCI_LISTING)
 
     def test_command_words_are_exact_and_case_sensitive(self):
-        self.assertEqual(self.answer("UCI"), ["unknown command: UCI"])
-        self.assertEqual(self.answer(""), ["unknown command: "])
-        self.assertEqual(self.answer("   "), ["unknown command: "])
-        self.assertEqual(self.answer("hello world"), ["unknown command: hello"])
-        self.assertEqual(self.answer("IsReady"), ["unknown command: IsReady"])
-        self.assertEqual(self.answer("  stop   "), [])
-        self.assertEqual(self.answer("ponderhit"), [])
-        self.assertEqual(self.answer("ucinewgame"), [])
+        # The databases are loaded by the first "isready" only: no second report.
+        for command, answer in (("UCI", "UCI"), ("", ""), ("   ", ""), ("hello world", "hello"), ("IsReady", "IsReady"),
+                                ("  stop   ", None), ("ponderhit", None), ("ucinewgame", None)):
+            self.assertEqual(self.answer(command), ["unknown command: " + answer] if answer is not None else [], command)
 
     def test_words_after_a_plain_command_are_ignored(self):
         self.engine.send("isready now please")
@@ -170,9 +149,8 @@ class SetOptionCommand(UciTestCase):
 
 class Ending(unittest.TestCase):
     def start(self):
-        engine = start()
-        self.addCleanup(engine.kill)
-        self.assertEqual(engine.read_line(), GREETING)
+        engine = start(self, ENGINE)
+        self.assertEqual(engine.greeting, GREETING)
         return engine
 
     def test_end_of_input_without_quit(self):

@@ -1,10 +1,7 @@
 // Helpers shared by the evaluation tests: a search state to evaluate with,
-// FEN text of a position and its mirrored twins, and random game positions.
+// FEN text of a position, and random game positions.
 #pragma once
 
-#include <algorithm>
-#include <cctype>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -34,46 +31,11 @@ struct EvalFixture {
 
 struct EvalTest : ::testing::Test, EvalFixture {};
 
-inline std::vector<std::string> split_fen(const std::string& fen, char separator = ' ') {
-  std::vector<std::string> parts;
-  std::istringstream in(fen);
-  for (std::string part; std::getline(in, part, separator);) parts.push_back(part);
-  return parts;
-}
-
 // Placement, side to move and castling rights of a position, without an
 // en-passant square.
 inline std::string fen_of(const Position& pos) {
   auto parts = split_fen(dev::PositionFen(pos, 0, 1));
   return parts[0] + " " + parts[1] + " " + parts[2] + " - 0 1";
-}
-
-inline std::string swap_case(std::string s) {
-  for (char& c : s) c = std::isupper(c) ? char(std::tolower(c)) : char(std::toupper(c));
-  return s;
-}
-
-// Board turned top to bottom, colours, castling rights and side to move swapped.
-inline std::string colour_mirror(const std::string& fen) {
-  const auto parts = split_fen(fen);
-  const auto ranks = split_fen(parts[0], '/');
-  std::string placement;
-  for (auto r = ranks.rbegin(); r != ranks.rend(); ++r) placement += swap_case(*r) + (r + 1 != ranks.rend() ? "/" : "");
-  std::string rights;  // in the usual KQkq order
-  for (char c : std::string("KQkq"))
-    if (parts[2].find(char(std::isupper(c) ? std::tolower(c) : std::toupper(c))) != std::string::npos) rights += c;
-  return placement + (parts[1] == "w" ? " b " : " w ") + (rights.empty() ? "-" : rights) + " - 0 1";
-}
-
-// Board turned left to right (only for positions without castling rights).
-inline std::string file_mirror(const std::string& fen) {
-  const auto parts = split_fen(fen);
-  std::string placement;
-  for (std::string rank : split_fen(parts[0], '/')) {
-    std::reverse(rank.begin(), rank.end());
-    placement += (placement.empty() ? "" : "/") + rank;
-  }
-  return placement + " " + parts[1] + " - - 0 1";
 }
 
 // FEN of every position along random games from the start position.

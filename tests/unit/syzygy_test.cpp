@@ -82,20 +82,6 @@ int OnePlySign(Position& pos) {
   return best;
 }
 
-// The position mirrored left to right, or with the colours swapped (ranks
-// flipped and the other side to move); the value stays the same.
-Position Mirrored(const Position& pos, bool swap_colors) {
-  const int flip = swap_colors ? 56 : 7;
-  Piece board[64] = {};
-  for (Square s = 0; s < 64; ++s)
-    if (Piece p = pos.board[s] ^ (swap_colors && pos.board[s] ? 8 : 0))
-      board[s ^ flip] = is_bishop(p) ? make_piece(color_of(p), bishop_type_on(s ^ flip)) : p;
-  Position out;
-  const Square ep = pos.state->ep_square ? Square(pos.state->ep_square) ^ flip : 0;
-  out.SetFromFen(test::BoardFen(board, swap_colors ? ~pos.side_to_move : pos.side_to_move, ep));
-  return out;
-}
-
 // The generator's databases made by "make test-tables" when they are there,
 // else the 3-men ones, made here.
 std::string GeneratorBases(const std::string& scratch) {
@@ -126,16 +112,16 @@ TEST_F(SyzygyTables, RandomPositionsAgreeWithTheGeneratorTheirChildrenAndMirrorI
     ++tables, largest = std::max(largest, mat.men);
     for (int i = 0; i < 2000; ++i) {
       Position pos = test::RandomSeriesPosition(rng, mat, i);
-      const std::string at = name + " " + test::BoardFen(pos.board, pos.side_to_move, Square(pos.state->ep_square));
+      const std::string fen = test::BoardFen(pos.board, pos.side_to_move, Square(pos.state->ep_square)), at = name + " " + fen;
       int success = 0, base_ok = 0;
       const int v = ProbeWdl(pos, success), sign = (v > 0) - (v < 0), base = ProbeVorlaxenbases(pos, base_ok);
       ASSERT_TRUE(success) << at;
       ASSERT_TRUE(!base_ok || base == sign) << at << " wdl " << v << " generator " << base;
       compared += base_ok && i == 0;
       ASSERT_EQ(sign, OnePlySign(pos)) << at << " wdl " << v;
-      for (const bool colors : {false, true}) {
-        Position image = Mirrored(pos, colors);
-        ASSERT_EQ(ProbeWdl(image, success), v) << at << (colors ? " colours" : " files");
+      for (const std::string& image : {test::colour_mirror(fen), test::file_mirror(fen)}) {
+        Position mirrored = test::from_fen(image);
+        ASSERT_EQ(ProbeWdl(mirrored, success), v) << at << " / " << image;
         ASSERT_TRUE(success) << at;
       }
     }

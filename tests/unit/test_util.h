@@ -4,9 +4,13 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <random>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "board/movegen.h"
 #include "board/random.h"
@@ -71,6 +75,59 @@ void random_walks(std::initializer_list<const char*> starts, int games, int plie
         pos.ApplyGameMove(list.moves[xorshift_step(seed) % list.size]);
       }
     }
+}
+
+inline std::vector<std::string> split_fen(const std::string& fen, char separator = ' ') {
+  std::vector<std::string> parts;
+  std::istringstream in(fen);
+  for (std::string part; std::getline(in, part, separator);) parts.push_back(part);
+  return parts;
+}
+
+inline std::string swap_case(std::string s) {
+  for (char& c : s) c = std::isupper(c) ? char(std::tolower(c)) : char(std::toupper(c));
+  return s;
+}
+
+// Board turned top to bottom; colours, castling rights, side to move and
+// the en-passant square's rank swapped.
+inline std::string colour_mirror(const std::string& fen) {
+  const auto parts = split_fen(fen);
+  const auto ranks = split_fen(parts[0], '/');
+  std::string placement;
+  for (auto r = ranks.rbegin(); r != ranks.rend(); ++r) placement += swap_case(*r) + (r + 1 != ranks.rend() ? "/" : "");
+  std::string rights;  // in the usual KQkq order
+  for (char c : std::string("KQkq"))
+    if (parts[2].find(char(std::isupper(c) ? std::tolower(c) : std::toupper(c))) != std::string::npos) rights += c;
+  std::string ep = parts[3];
+  if (ep != "-") ep[1] = char('0' + '9' - ep[1]);
+  return placement + (parts[1] == "w" ? " b " : " w ") + (rights.empty() ? "-" : rights) + " " + ep + " 0 1";
+}
+
+// Board turned left to right (only for positions without castling rights).
+inline std::string file_mirror(const std::string& fen) {
+  const auto parts = split_fen(fen);
+  std::string placement;
+  for (std::string rank : split_fen(parts[0], '/')) {
+    std::reverse(rank.begin(), rank.end());
+    placement += (placement.empty() ? "" : "/") + rank;
+  }
+  std::string ep = parts[3];
+  if (ep != "-") ep[0] = char('a' + 'h' - ep[0]);
+  return placement + " " + parts[1] + " - " + ep + " 0 1";
+}
+
+// The incrementally kept keys, scores and piece sets equal their recomputation.
+inline bool state_is_exact(const Position& pos) {
+  bool exact = pos.state->key == pos.compute_key() && pos.state->pawn_key == pos.compute_pawn_key() &&
+               pos.state->material_key == pos.compute_material_key() && pos.state->psq == pos.compute_psq();
+  for (Color c : {WHITE, BLACK}) {
+    Bitboard all = 0;
+    for (int t = 1; t < 8; ++t) all |= pos.pieces[8 * c + t];
+    exact &= pos.pieces[8 * c] == all;
+  }
+  for (Square s = 0; s < 64; ++s) exact &= !pos.board[s] || (pos.pieces[pos.board[s]] & sq_bb(s));
+  return exact;
 }
 
 // A fresh directory under the system's temporary directory.
