@@ -95,24 +95,14 @@ class PositionCommand(UciTestCase):
                         "position fen 1r2k1r1/8/8/8/8/8/8/1R2K1R1 w GBgb - 0 1 moves e1g1"):
             self.assertEqual(self.answer(command), [], command)
 
-    def test_malformed_commands_are_rejected(self):
+    def test_malformed_commands_and_positions_the_search_cannot_stand_on_are_rejected(self):
         for command in ("position", "position startpos e2e4", "position start", "position fen",
-                        "position fen not/a/fen w - -", "position fen 8/8/8/8/8/8/8/8 x - -",
-                        "position moves e2e4"):
+                        "position fen not/a/fen w - -", "position fen 8/8/8/8/8/8/8/8 x - -", "position moves e2e4"):
             self.assertEqual(self.answer(command), ["illegal position command"], command)
-
-    def test_positions_the_search_cannot_stand_on_are_rejected(self):
-        for fen in ("8/8/8/8/8/8/8/8 w - -",
-                    "4k3/8/8/8/8/8/8/8 w - -",
-                    "4k3/8/8/8/8/8/8/K3K3 w - -",
-                    "4kk2/8/8/8/8/8/8/4K3 w - -",
-                    "4k2P/8/8/8/8/8/8/4K3 w - -",
-                    "4k3/8/8/8/8/8/8/p3K3 b - -",
-                    "4k3/8/8/8/8/NNNNNNNN/NNNNNNNN/4K3 w - -",
-                    "4k3/8/8/8/QQQQQQQQ/QQQQQQQ1/8/4K3 w - -",
-                    "4k3/8/8/8/8/PPPPPPPP/BBB5/4K3 w - -",
-                    "4k3/8/8/8/8/8/8/4R1K1 w - -",
-                    "8/8/8/8/8/3kK3/8/8 b - -"):
+        for fen in ("8/8/8/8/8/8/8/8 w - -", "4k3/8/8/8/8/8/8/8 w - -", "4k3/8/8/8/8/8/8/K3K3 w - -",
+                    "4kk2/8/8/8/8/8/8/4K3 w - -", "4k2P/8/8/8/8/8/8/4K3 w - -", "4k3/8/8/8/8/8/8/p3K3 b - -",
+                    "4k3/8/8/8/8/NNNNNNNN/NNNNNNNN/4K3 w - -", "4k3/8/8/8/QQQQQQQQ/QQQQQQQ1/8/4K3 w - -",
+                    "4k3/8/8/8/8/PPPPPPPP/BBB5/4K3 w - -", "4k3/8/8/8/8/8/8/4R1K1 w - -", "8/8/8/8/8/3kK3/8/8 b - -"):
             self.assertEqual(self.answer("position fen " + fen), ["illegal position command"], fen)
 
     def test_a_600_ply_move_list(self):
@@ -123,10 +113,9 @@ class PositionCommand(UciTestCase):
 
 class SetOptionCommand(UciTestCase):
     def test_unknown_names_are_reported(self):
-        self.assertEqual(self.answer("setoption name Hashes value 1"), ["option not found: Hashes"])
-        self.assertEqual(self.answer("setoption name Has value 1"), ["option not found: Has"])
-        self.assertEqual(self.answer("setoption name Clear  Hashes"), ["option not found: Clear Hashes"])
-        self.assertEqual(self.answer("setoption"), ["option not found: "])
+        for command, name in (("setoption name Hashes value 1", "Hashes"), ("setoption name Has value 1", "Has"),
+                              ("setoption name Clear  Hashes", "Clear Hashes"), ("setoption", "")):
+            self.assertEqual(self.answer(command), ["option not found: " + name], command)
 
     def test_accepted_and_rejected_values_show_in_the_listing(self):
         # Which values each kind of option refuses: the unit tests (options_test).

@@ -1,5 +1,6 @@
 // Attack tables and attack queries. Perft counts guard the leaper and pawn
-// tables; here the sliders and the masks only the search and evaluation use.
+// tables, the pinned bench total the evaluation's masks; here the sliders,
+// lines and the king zone.
 #include <gtest/gtest.h>
 
 #include "test_util.h"
@@ -55,19 +56,12 @@ TEST(Attacks, SliderLookupsMatchTheRayWalk) {
   }
 }
 
-TEST(Attacks, EvaluationMasks) {
+// The king zone reaches one rank further on the back ranks.
+TEST(Attacks, KingZone) {
   test::init();
-  const Bitboard two = knight_two[SQ_A1];
-  EXPECT_EQ(two & squares({SQ_A1, SQ_C1, SQ_E3, SQ_D4, SQ_B2, SQ_C3}), squares({SQ_A1, SQ_C1, SQ_E3, SQ_D4}));
-  // The king zone reaches one rank further on the back ranks.
   EXPECT_EQ(king_zone[WHITE][SQ_G1], squares({SQ_F1, SQ_H1, SQ_F2, SQ_G2, SQ_H2, SQ_G1, SQ_F3, SQ_G3, SQ_H3}));
   EXPECT_EQ(king_zone[BLACK][SQ_G8], squares({SQ_F8, SQ_H8, SQ_F7, SQ_G7, SQ_H7, SQ_G8, SQ_F6, SQ_G6, SQ_H6}));
   EXPECT_EQ(king_zone[WHITE][SQ_E4], king_attacks[SQ_E4] | sq_bb(SQ_E4));
-  EXPECT_EQ(forward_file[WHITE][SQ_E6], squares({SQ_E7, SQ_E8}));
-  EXPECT_EQ(pawn_attack_span[BLACK][SQ_A3], squares({SQ_B2, SQ_B1}));
-  EXPECT_EQ(passed_pawn_mask[WHITE][SQ_H7], squares({SQ_H8, SQ_G8}));
-  EXPECT_EQ(forward_ranks[WHITE][0], ~RANK_1_BB);
-  EXPECT_EQ(forward_ranks[BLACK][0], 0u);
 }
 
 TEST(Attacks, BlockersHoldPinnedPiecesAndDiscoveredCheckCandidates) {

@@ -39,17 +39,16 @@ inline bool SetIfSearchable(Position& pos, const Piece* board, Color stm, Square
   return pos.SetFromFen(BoardFen(board, stm, ep)) && !PositionDefect(pos);
 }
 
-// Places the men of the table's material on free squares outside `keep_empty`;
-// the name's first side is White unless black_first.
-inline void PlaceRandomly(std::mt19937_64& rng, const syzygy::TableMaterial& mat, bool black_first, Piece* board,
-                          Bitboard keep_empty = 0) {
+// Places the men of the table's material on free squares; the name's first
+// side is White unless black_first.
+inline void PlaceRandomly(std::mt19937_64& rng, const syzygy::TableMaterial& mat, bool black_first, Piece* board) {
   constexpr PieceType TYPES[7] = {NO_PIECE_TYPE, PAWN, KNIGHT, BISHOP_L, ROOK, QUEEN, KING};
   for (int code = 1; code < 16; ++code)
     for (int n = 0; n < mat.count[code]; ++n) {
       const PieceType t = TYPES[code & 7];
       Square s;
       do s = Square(rng() % 64);
-      while (board[s] || (keep_empty & sq_bb(s)) || (t == PAWN && (s < 8 || s >= 56)));
+      while (board[s] || (t == PAWN && (s < 8 || s >= 56)));
       board[s] = make_piece(Color((code >> 3) ^ int(black_first)), t == BISHOP_L ? bishop_type_on(s) : t);
     }
 }
@@ -63,23 +62,28 @@ inline Position RandomTablePosition(std::mt19937_64& rng, const syzygy::TableMat
   }
 }
 
-// A position of the material (pawns on both sides) where the side to move
-// may capture en passant the enemy pawn that has just advanced two squares.
+// The squares behind enemy pawns that may just have advanced two squares next
+// to a pawn of the side to move: where it may capture en passant.
+inline Bitboard EnPassantSquares(const Piece* board, Color us) {
+  Bitboard squares = 0;
+  const int dir = us == WHITE ? 8 : -8;
+  for (int f = 0; f < 8; ++f) {
+    const Square pushed = make_square(f, us == WHITE ? 4 : 3), ep = pushed + dir;
+    const bool beside = (f > 0 && board[pushed - 1] == make_piece(us, PAWN)) ||
+                        (f < 7 && board[pushed + 1] == make_piece(us, PAWN));
+    if (board[pushed] == make_piece(~us, PAWN) && beside && !board[ep] && !board[ep + dir]) squares |= sq_bb(ep);
+  }
+  return squares;
+}
+
+// A position of the material (pawns on both sides) with an en-passant capture open to the side to move.
 inline Position RandomEnPassantPosition(std::mt19937_64& rng, const syzygy::TableMaterial& mat) {
   Position pos;
   for (;;) {
-    const Color us = Color(rng() & 1);
-    const int file = int(rng() % 8), side = file == 0 ? 1 : file == 7 ? -1 : (rng() & 1 ? 1 : -1);
-    const Square pushed = make_square(file, us == WHITE ? 4 : 3);
-    const Square ep = make_square(file, us == WHITE ? 5 : 2), from = make_square(file, us == WHITE ? 6 : 1);
     Piece board[64] = {};
-    board[pushed] = make_piece(~us, PAWN);
-    board[pushed + side] = make_piece(us, PAWN);
-    syzygy::TableMaterial rest = mat;
-    --rest.count[(~us << 3) | 1];
-    --rest.count[(us << 3) | 1];
-    PlaceRandomly(rng, rest, false, board, sq_bb(ep) | sq_bb(from));
-    if (SetIfSearchable(pos, board, us, ep)) return pos;
+    PlaceRandomly(rng, mat, false, board);
+    const Color us = Color(rng() & 1);
+    if (const Bitboard eps = EnPassantSquares(board, us); eps && SetIfSearchable(pos, board, us, lsb(eps))) return pos;
   }
 }
 
@@ -97,16 +101,8 @@ void ForEachTablePosition(const syzygy::TableMaterial& mat, Visit&& visit) {
   auto leaf = [&] {
     for (const Color us : {WHITE, BLACK}) {
       if (SetIfSearchable(pos, board, us)) visit(pos);
-      // Enemy pawns that may just have advanced two squares next to ours.
-      const int rank = us == WHITE ? 4 : 3, dir = us == WHITE ? 1 : -1;
-      for (int f = 0; f < 8; ++f) {
-        const Square pushed = make_square(f, rank), ep = pushed + 8 * dir;
-        const bool beside = (f > 0 && board[pushed - 1] == make_piece(us, PAWN)) ||
-                            (f < 7 && board[pushed + 1] == make_piece(us, PAWN));
-        if (board[pushed] == make_piece(~us, PAWN) && beside && !board[ep] && !board[ep + 8 * dir] &&
-            SetIfSearchable(pos, board, us, ep))
-          visit(pos);
-      }
+      for (Bitboard eps = EnPassantSquares(board, us); eps;)
+        if (SetIfSearchable(pos, board, us, pop_lsb(eps))) visit(pos);
     }
   };
   auto place = [&](auto&& self, size_t i, Square first) -> void {
