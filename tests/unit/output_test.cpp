@@ -3,6 +3,7 @@
 // time threshold.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 
 #include "engine/output.h"
@@ -54,33 +55,24 @@ TEST(PvLine, OptionalFieldsLeftOut) {
   EXPECT_EQ(PvLineText(r), "info depth 2 seldepth 2 time 0 score mate -1 nodes 40 hashfull 0 pv");
 }
 
-TEST(SearchLines, IterationStartAndSummary) {
-  EXPECT_EQ(Captured([] { PrintIterationStart(49); }), "info depth 12 seldepth 12\n");
-  EXPECT_EQ(Captured([] { PrintIterationSummary(0, 500, 0, 0); }), "info time 0 nodes 500\n");
-  EXPECT_EQ(Captured([] { PrintIterationSummary(2000, 3000000, 4, 0); }),
-            "info time 2000 nodes 3000000 nps 1500000 tbhits 4\n");
-  EXPECT_EQ(Captured([] { PrintIterationSummary(10, 1, 0, 9); }), "info time 10 nodes 1 nps 100 sbhits 9\n");
-}
-
-TEST(SearchLines, CurrMoveOnlyFrom1500Ms) {
-  EXPECT_EQ(Captured([] { PrintCurrMove(E2E4, 3, 1499); }), "");
-  EXPECT_EQ(Captured([] { PrintCurrMove(E2E4, 3, 1500); }), "info currmove e2e4 currmovenumber 3\n");
-}
-
-TEST(SearchLines, SpeedHashfullFirstAndNotAtTimeZero) {
-  EXPECT_EQ(Captured([] { PrintSpeed(0, 1000, 5); }), "");
-  EXPECT_EQ(Captured([] { PrintSpeed(2500, 5000000, 321); }), "info hashfull 321 nps 2000000\n");
-}
-
-TEST(SearchLines, CurrLineAndBestMove) {
-  EXPECT_EQ(Captured([] {
-              const Move line[] = {E2E4, E7E5, G1F3};
-              PrintCurrLine(line, 3);
-            }),
-            "info currline e2e4 e7e5 g1f3\n");
-  EXPECT_EQ(Captured([] { PrintCurrLine(nullptr, 0); }), "info currline\n");
-  EXPECT_EQ(Captured([] { PrintBestMove(E2E4, E7E5); }), "bestmove e2e4 ponder e7e5\n");
-  EXPECT_EQ(Captured([] { PrintBestMove(E2E4, MOVE_NONE); }), "bestmove e2e4\n");
+// Iteration lines, currmove only from 1500 ms, hashfull first and no speed
+// line at time 0, currline and bestmove.
+TEST(SearchLines, TextAndWhenTheyAreWritten) {
+  const std::pair<void (*)(), const char*> cases[] = {
+      {[] { PrintIterationStart(49); }, "info depth 12 seldepth 12\n"},
+      {[] { PrintIterationSummary(0, 500, 0, 0); }, "info time 0 nodes 500\n"},
+      {[] { PrintIterationSummary(2000, 3000000, 4, 0); }, "info time 2000 nodes 3000000 nps 1500000 tbhits 4\n"},
+      {[] { PrintIterationSummary(10, 1, 0, 9); }, "info time 10 nodes 1 nps 100 sbhits 9\n"},
+      {[] { PrintCurrMove(E2E4, 3, 1499); }, ""},
+      {[] { PrintCurrMove(E2E4, 3, 1500); }, "info currmove e2e4 currmovenumber 3\n"},
+      {[] { PrintSpeed(0, 1000, 5); }, ""},
+      {[] { PrintSpeed(2500, 5000000, 321); }, "info hashfull 321 nps 2000000\n"},
+      {[] { PrintCurrLine(std::array<Move, 3>{E2E4, E7E5, G1F3}.data(), 3); }, "info currline e2e4 e7e5 g1f3\n"},
+      {[] { PrintCurrLine(nullptr, 0); }, "info currline\n"},
+      {[] { PrintBestMove(E2E4, E7E5); }, "bestmove e2e4 ponder e7e5\n"},
+      {[] { PrintBestMove(E2E4, MOVE_NONE); }, "bestmove e2e4\n"},
+  };
+  for (const auto& [print, text] : cases) EXPECT_EQ(Captured(print), text);
 }
 
 }  // namespace
