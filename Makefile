@@ -17,10 +17,10 @@ all:
 	cmake -S . -B build -DCMAKE_BUILD_TYPE=Release >/dev/null
 	cmake --build build -j $(JOBS)
 
-# Making the 3- and 4-men bases takes about four minutes on two cores, so
+# Making the 3- and 4-men bases takes about two minutes on two cores, so
 # "run" only points at them when they are missing.
 run: all
-	@test -d vorlaxenbases || echo "info: no vorlaxenbases/ directory; 'make bases' makes the 3- and 4-men endgame databases (about 4 minutes)" >&2
+	@test -d vorlaxenbases || echo "info: no vorlaxenbases/ directory; 'make bases' makes the 3- and 4-men endgame databases (about 2 minutes)" >&2
 	./build/vorlaxen
 
 bases: all
