@@ -5,13 +5,15 @@
 #   make test   build, run every test, then the unit tests under ASan+UBSan,
 #               then a short smoke run of every fuzz target when clang is there
 #   make fuzz   run every fuzz target for FUZZ_SECONDS (default 60) seconds
+#   make test-tsan  the multi-thread protocol tests against a ThreadSanitizer
+#               build of the engine (races on table entries are expected)
 #   make test-tables  compare the Syzygy tables with the engine's own generator
 #               position by position (minutes; the first run also generates)
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 60
 FUZZ_CXX := $(shell command -v clang++-14 2>/dev/null || command -v clang++ 2>/dev/null)
 
-.PHONY: all run bases test test-release test-sanitize test-fuzz-smoke fuzz fuzz-build test-tables clean
+.PHONY: all run bases test test-release test-sanitize test-tsan test-fuzz-smoke fuzz fuzz-build test-tables clean
 
 all:
 	cmake -S . -B build -DCMAKE_BUILD_TYPE=Release >/dev/null
@@ -36,6 +38,19 @@ test-sanitize:
 	cmake --build build-sanitize -j $(JOBS) --target unit_tests
 	cd build-sanitize && ctest --output-on-failure -j $(JOBS)
 
+# The search threads share the transposition table without locks; the only
+# races ThreadSanitizer may report are on its entries (tests/tsan.supp says
+# why they are harmless). Any other report is written under build-tsan/ and
+# fails the target.
+test-tsan: all
+	cmake -S . -B build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVORLAXEN_TSAN=ON -DVORLAXEN_TESTS=OFF >/dev/null
+	cmake --build build-tsan -j $(JOBS) --target vorlaxen
+	rm -f build-tsan/race.*
+	TSAN_OPTIONS="suppressions=$(CURDIR)/tests/tsan.supp log_path=$(CURDIR)/build-tsan/race" VORLAXEN_TIME_SCALE=40 \
+	  python3 tests/protocol/test_threads.py build-tsan/vorlaxen build/vorlaxen-dev
+	@if ls build-tsan/race.* >/dev/null 2>&1; then cat build-tsan/race.*; echo "ThreadSanitizer reported races"; exit 1; fi
+	@echo "ThreadSanitizer: no race outside the table entries"
+
 # libFuzzer needs clang and its runtime (Debian: clang-14, libclang-rt-14-dev).
 fuzz-build:
 	@if [ -z "$(FUZZ_CXX)" ]; then echo "fuzzing needs clang++ with libFuzzer (Debian: clang-14 libclang-rt-14-dev)"; exit 1; fi
@@ -55,4 +70,4 @@ test-tables: all
 	JOBS=$(JOBS) tests/tables/run
 
 clean:
-	rm -rf build build-sanitize build-fuzz
+	rm -rf build build-sanitize build-fuzz build-tsan

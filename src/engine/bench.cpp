@@ -79,7 +79,7 @@ void RunBench(ThreadPool& pool, int offset) {
     MoveList legal;
     GenerateLegal(pool.main_position(), legal);
     std::vector<Move> moves(legal.begin(), legal.end());
-    LaunchSearch(pool, MOVE_NONE, MOVE_NONE, moves);
+    LaunchSearch(pool, MOVE_NONE, MOVE_NONE, moves, false);
     total += pool.nodes();
   }
   const int64_t elapsed = Clock() - start + 1;

@@ -90,7 +90,41 @@ void PrepareSearch(SearchState& st) {
   st.search_start = uint32_t(Clock());
 }
 
-void LaunchSearch(ThreadPool& pool, Move prev, Move last, std::vector<Move>& searchMoves) {
+namespace {
+
+template <bool HwPopcnt>
+void RunRootSearch(SearchState& st, Position& pos, Move prev, Move last, Value root_tb_score, bool limited) {
+  if (limited)
+    RootSearch<HwPopcnt, true>(st, pos, prev, last, root_tb_score);
+  else
+    RootSearch<HwPopcnt, false>(st, pos, prev, last, root_tb_score);
+}
+
+// A helper's search: the main thread's limits and root moves (after the
+// tablebase filter) on the helper's own copy of the position.
+void StartHelperSearches(ThreadPool& pool, Move prev, Move last, Value root_tb_score) {
+  const SearchState& main = pool.main();
+  for (size_t i = 1; i < pool.threads.size(); ++i) {
+    SearchState& h = *pool.threads[i]->state;
+    h.limits = main.limits;
+    h.root_moves = main.root_moves;
+    h.excluded.clear();
+    h.excluded.reserve(MAX_MOVES);
+    h.stop = 0;
+  }
+  pool.StartHelpers([prev, last, root_tb_score](Thread& t) {
+    SearchState& h = *t.state;
+    PrepareSearch(h);
+    if (h.hasPopcnt)
+      RootSearch<true, false>(h, *t.position, prev, last, root_tb_score);
+    else
+      RootSearch<false, false>(h, *t.position, prev, last, root_tb_score);
+  });
+}
+
+}  // namespace
+
+void LaunchSearch(ThreadPool& pool, Move prev, Move last, std::vector<Move>& searchMoves, bool helpers) {
   SearchState& st = pool.main();
   Position& pos = pool.main_position();
   search_pool = &pool;
@@ -116,17 +150,16 @@ void LaunchSearch(ThreadPool& pool, Move prev, Move last, std::vector<Move>& sea
   if (st.limits.nodes > 0 && st.limits.nodes < st.next_check) st.next_check = st.limits.nodes;
   AllocateTime(st.limits, pos.side_to_move, pos);
 
-  if (limited) {
-    ShuffleRootMoves(st);
-    if (st.hasPopcnt)
-      RootSearch<true, true>(st, pos, prev, last, root_tb_score);
-    else
-      RootSearch<false, true>(st, pos, prev, last, root_tb_score);
-  } else if (st.hasPopcnt) {
-    RootSearch<true, false>(st, pos, prev, last, root_tb_score);
-  } else {
-    RootSearch<false, false>(st, pos, prev, last, root_tb_score);
-  }
+  // Strength limitation is defined for one thread: its node budget and its
+  // noise would mean something else spread over several.
+  if (limited) ShuffleRootMoves(st);
+  else if (helpers) StartHelperSearches(pool, prev, last, root_tb_score);
+  if (st.hasPopcnt)
+    RunRootSearch<true>(st, pos, prev, last, root_tb_score, limited);
+  else
+    RunRootSearch<false>(st, pos, prev, last, root_tb_score, limited);
+  pool.StopHelpers();
+  PrintSearchResult(st);
   searchMoves.clear();
 }
 

@@ -12,8 +12,10 @@ class ThreadPool;
 struct SearchState;
 struct Position;
 
-// Returns when "bestmove" has been written.
-void LaunchSearch(ThreadPool& pool, Move prev, Move last, std::vector<Move>& searchMoves);
+// Returns when "bestmove" has been written. With `helpers` the pool's helper
+// threads search beside the main thread (never in strength-limited play);
+// "bestmove" follows once every helper has stopped.
+void LaunchSearch(ThreadPool& pool, Move prev, Move last, std::vector<Move>& searchMoves, bool helpers = true);
 
 // Per-search reset: table generation, Gains, CounterMoves, material and pawn
 // caches, the table and History when hash tables are not kept, start time.

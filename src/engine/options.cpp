@@ -114,6 +114,12 @@ void InitOptions(ThreadPool& pool) {
       Option::Spin("Contempt", 0, -300, 300),
       Option::Spin("Time Buffer (sec)", 1, 0, 60),
       Option::Spin("Time Usage Percent", 100, 50, 200),
+      Option::Spin("Threads", 1, 1, 1024,
+                   [p](const Option& o) {
+                     int64_t n = 1;
+                     ParseInteger(o.value, n);
+                     p->SetThreadCount(size_t(n));
+                   }),
   };
 }
 

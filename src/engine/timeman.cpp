@@ -22,13 +22,6 @@ int material_weight(const Position& pos) {
   return 192 * (count(PAWN) + 4 * minors) + 1280 * count(ROOK) + 2816 * count(QUEEN);
 }
 
-uint64_t total_nodes(const SearchState& state) {
-  if (!state.pool) return state.nodes;
-  uint64_t n = 0;
-  for (const Thread* t : *state.pool) n += t->state->nodes;
-  return n;
-}
-
 // Extra time for an unsettled root: the average time per event so far,
 // capped at the planned time.
 // Budgets are capped far beyond any real game (about twelve days).
@@ -151,7 +144,7 @@ void CheckLimitsLimited(SearchState& state, int phase) {
   const int elapsed = ElapsedMs(state);
   if (limits.movetime > 0 && elapsed >= limits.movetime) {
     // stop
-  } else if (limits.nodes > 0 && total_nodes(state) >= uint64_t(limits.nodes)) {
+  } else if (limits.nodes > 0 && TotalNodes(state) >= uint64_t(limits.nodes)) {
     if (limits.has_clock()) WaitBeforeMove(state, elapsed);
   } else if (!limits.has_clock() || !TimeUp(phase, elapsed)) {
     return;
@@ -164,7 +157,7 @@ void CheckLimits(SearchState& state, int phase) {
   if (limits.ponder) return;  // a pondering search never stops by itself
   const int elapsed = ElapsedMs(state);
   const bool reached = (limits.movetime > 0 && elapsed >= limits.movetime) ||
-                       (limits.nodes > 0 && total_nodes(state) >= uint64_t(limits.nodes)) ||
+                       (limits.nodes > 0 && TotalNodes(state) >= uint64_t(limits.nodes)) ||
                        (limits.has_clock() && TimeUp(phase, elapsed));
   if (!reached || state.stop != 0) return;
   state.stop = 2;

@@ -17,11 +17,9 @@ namespace {
 int64_t last_speed_time = 0;
 int64_t last_currline_time = 0;
 
-template <typename Field> uint64_t SumOverThreads(const SearchState& st, Field field) {
-  if (!st.pool) return field(st);
-  uint64_t sum = 0;
-  for (const Thread* t : *st.pool) sum += field(*t->state);
-  return sum;
+// A counter summed over the state's pool (its own value when it has none).
+template <typename Field> uint64_t SumOverPool(const SearchState& st, Field field) {
+  return st.pool ? SumOverThreads(*st.pool, field) : field(st);
 }
 
 void PrintPeriodicLines(SearchState& st, SearchStack* ss) {
@@ -44,13 +42,13 @@ void PrintPeriodicLines(SearchState& st, SearchStack* ss) {
 }  // namespace
 
 uint64_t TotalNodes(const SearchState& st) {
-  return SumOverThreads(st, [](const SearchState& s) { return s.nodes; });
+  return SumOverPool(st, [](const SearchState& s) { return uint64_t(s.nodes); });
 }
 uint64_t TotalTbHits(const SearchState& st) {
-  return SumOverThreads(st, [](const SearchState& s) { return s.tbhits; });
+  return SumOverPool(st, [](const SearchState& s) { return uint64_t(s.tbhits); });
 }
 uint64_t TotalSbHits(const SearchState& st) {
-  return SumOverThreads(st, [](const SearchState& s) { return s.sbhits; });
+  return SumOverPool(st, [](const SearchState& s) { return uint64_t(s.sbhits); });
 }
 
 template <bool Limited>

@@ -15,10 +15,8 @@
 
 namespace vx {
 
-namespace {
-
-// Everything the root keeps during one "go"; process-wide since only one
-// search runs at a time, so the search itself never allocates.
+// Everything the root of one thread keeps during one "go", allocated with the
+// thread's state so that the search itself never allocates.
 struct RootState {
   PvRecord lines[MAX_MULTIPV + 1];
   int line_count = 0;
@@ -26,8 +24,14 @@ struct RootState {
   SearchStack stack[SEARCH_STACK_SIZE];
   int multipv = 1;
   Value root_tb_score = VALUE_INFINITE;
+  int completed_depth = 0;  // depth of the last iteration that ended unstopped
 };
-RootState root;
+
+RootState* NewRootState() { return new RootState(); }
+void DeleteRootState(RootState* root) { delete root; }
+
+namespace {
+
 
 int RecordBound(Value v, Value alpha, Value beta) {
   return v >= beta ? PV_LOWER_BOUND : v > alpha ? PV_EXACT : PV_UPPER_BOUND;
@@ -35,7 +39,7 @@ int RecordBound(Value v, Value alpha, Value beta) {
 
 // Deepest ply reached so far: the stack keeps its entries between
 // iterations, so this never falls during a search.
-int Seldepth(const SearchStack* root_entry) {
+int Seldepth(const RootState& root, const SearchStack* root_entry) {
   int seldepth = 0;
   for (const SearchStack* e = root_entry; e < root.stack + SEARCH_STACK_SIZE && e->ply <= MAX_PLY; ++e)
     if (e->static_eval != VALUE_INFINITE || e->current_move) seldepth = e->ply - 1;
@@ -44,9 +48,10 @@ int Seldepth(const SearchStack* root_entry) {
 
 // Depth, time, score, bound and counters of the current record.
 void RefreshRecord(SearchState& st, const SearchStack* ss, int depth, Value score, int bound) {
-  PvRecord& r = root.current;
+  const RootState& root = *st.root;
+  PvRecord& r = st.root->current;
   r.depth = depth;
-  r.seldepth = Seldepth(ss);
+  r.seldepth = Seldepth(root, ss);
   r.time = ElapsedMs(st);
   r.score = score;
   r.bound = bound;
@@ -57,7 +62,7 @@ void RefreshRecord(SearchState& st, const SearchStack* ss, int depth, Value scor
   r.root_tb_score = root.root_tb_score;
 }
 
-void SetRecordPv(Move m, const Move* child_pv) {
+void SetRecordPv(RootState& root, Move m, const Move* child_pv) {
   PvRecord& r = root.current;
   r.pv[0] = m;
   int n = 1;
@@ -90,6 +95,8 @@ Value RootChild(SearchState& st, Position& pos, SearchStack* ss, bool gives_chec
 template <bool HwPopcnt, bool Limited, Color Us, bool InCheck>
 Value SearchRoot(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value beta, int depth) {
   constexpr Color Them = ~Us;
+  RootState& root = *st.root;
+  const bool main_thread = st.thread_index == 0;
   if (++st.nodes > uint64_t(st.next_check)) PeriodicCheck<Limited>(st, ss);
   if (st.stop) return 0;
 
@@ -135,7 +142,7 @@ Value SearchRoot(SearchState& st, Position& pos, SearchStack* ss, Value alpha, V
     if (!IsLegal<Us>(pos, m, ai)) continue;
     ++move_count;
     (ss + 1)->pv = nullptr;
-    PrintCurrMove(m, move_count + int(st.excluded.size()), ElapsedMs(st));
+    if (main_thread) PrintCurrMove(m, move_count + int(st.excluded.size()), ElapsedMs(st));
 
     const bool s = SeeNotLosing<Us>(pos, m, ai);
     const bool g = GivesCheck<Us>(pos, m, ai);
@@ -169,7 +176,7 @@ Value SearchRoot(SearchState& st, Position& pos, SearchStack* ss, Value alpha, V
       }
       if (!done) {
         v = zero_window(nd);
-        if (v > alpha && !st.stop) {
+        if (v > alpha && !st.stop && main_thread) {
           TimeEvent(EVENT_RESEARCH, ElapsedMs(st), v);
           if (depth >= 16 && single_line) {
             RefreshRecord(st, ss, depth, v, PV_LOWER_BOUND);
@@ -182,7 +189,7 @@ Value SearchRoot(SearchState& st, Position& pos, SearchStack* ss, Value alpha, V
       (ss + 1)->pv = child_pv;
       child_pv[0] = MOVE_NONE;
       v = RootChild<HwPopcnt, Limited, Them, true>(st, pos, ss, g, alpha, beta, nd, bonus);
-      if (move_count > 1 && v <= alpha && !st.stop) {
+      if (move_count > 1 && v <= alpha && !st.stop && main_thread) {
         TimeEvent(EVENT_NOT_CONFIRMED, ElapsedMs(st), v);
         if (depth >= 16 && single_line)
           RefreshRecord(st, ss, depth, best_value, RecordBound(best_value, alpha_start, beta));
@@ -196,10 +203,10 @@ Value SearchRoot(SearchState& st, Position& pos, SearchStack* ss, Value alpha, V
                         : v >= beta       ? EVENT_FIRST_FAIL_HIGH
                         : v > alpha_start ? EVENT_FIRST_EXACT
                                           : EVENT_FIRST_FAIL_LOW;
-      TimeEvent(event, ElapsedMs(st), v);
+      if (main_thread) TimeEvent(event, ElapsedMs(st), v);
       RefreshRecord(st, ss, depth, v, RecordBound(v, alpha_start, beta));
-      SetRecordPv(m, child_pv);
-      if (single_line) PrintPvLine(root.current);
+      SetRecordPv(root, m, child_pv);
+      if (single_line && main_thread) PrintPvLine(root.current);
     }
 
     bool cut = false;
@@ -211,7 +218,7 @@ Value SearchRoot(SearchState& st, Position& pos, SearchStack* ss, Value alpha, V
         else alpha = v;
       }
     }
-    if (!st.stop) CheckSearchLimits<Limited>(st, PHASE_ROOT_MOVE);
+    if (!st.stop && main_thread) CheckSearchLimits<Limited>(st, PHASE_ROOT_MOVE);
     if (cut) break;
   }
 
@@ -236,7 +243,7 @@ template <bool H, bool L> RootFn ChooseRoot(const Position& pos, const AttackInf
   return in_check ? SearchRoot<H, L, BLACK, true> : SearchRoot<H, L, BLACK, false>;
 }
 
-void SetUpStack(Move prev, Move last) {
+void SetUpStack(RootState& root, Move prev, Move last) {
   for (int k = 0; k < SEARCH_STACK_SIZE; ++k) {
     SearchStack& e = root.stack[k];
     e = SearchStack{};
@@ -255,6 +262,7 @@ void SetContempt(SearchState& st, Color us) {
 
 // Puts the finished current record into the line list (best first, at most n).
 void InsertCurrentLine(SearchState& st, int n) {
+  RootState& root = *st.root;
   const Move first = root.current.pv[0];
   st.excluded.push_back(first);
   int kept = 0;
@@ -265,7 +273,7 @@ void InsertCurrentLine(SearchState& st, int n) {
   for (int i = std::min(kept, MAX_MULTIPV); i > at; --i) root.lines[i] = root.lines[i - 1];
   root.lines[at] = root.current;
   root.line_count = std::min(kept + 1, n);
-  if (root.multipv < 2) return;
+  if (root.multipv < 2 || st.thread_index) return;
   for (int i = 0; i < root.line_count; ++i) {
     root.lines[i].multipv = i + 1;
     PrintPvLine(root.lines[i]);
@@ -300,14 +308,28 @@ bool WidenWindow(Window& w, Value v) {
   return true;
 }
 
-const PvRecord* RootLines(int& count) {
-  count = root.line_count;
-  return root.lines;
+const PvRecord* RootLines(const SearchState& st, int& count, int& completed_depth) {
+  count = st.root->line_count;
+  completed_depth = st.root->completed_depth;
+  return st.root->lines;
+}
+
+// Helpers leave out some iterations so that they are not all working on the
+// same depth as the main thread: helper i skips blocks of SKIP_SIZE plies,
+// shifted by SKIP_PHASE plies, alternating search and skip.
+bool HelperSkipsIteration(int thread_index, int plies) {
+  static constexpr int SKIP_SIZE[20] = {1, 1, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 4, 4, 4, 4, 4, 4, 4, 4};
+  static constexpr int SKIP_PHASE[20] = {0, 1, 0, 1, 2, 3, 0, 1, 2, 3, 4, 5, 0, 1, 2, 3, 4, 5, 6, 7};
+  if (thread_index == 0) return false;
+  const int i = (thread_index - 1) % 20;
+  return ((plies + SKIP_PHASE[i]) / SKIP_SIZE[i]) % 2 != 0;
 }
 
 template <bool HwPopcnt, bool Limited>
 void RootSearch(SearchState& st, Position& pos, Move prev, Move last, Value root_tb_score) {
-  SetUpStack(prev, last);
+  RootState& root = *st.root;
+  const bool main_thread = st.thread_index == 0;
+  SetUpStack(root, prev, last);
   SearchStack* const ss = root.stack + ROOT_ENTRY;
   AttackInfo ai;
   ComputeAttackInfo(pos, ai);
@@ -317,14 +339,16 @@ void RootSearch(SearchState& st, Position& pos, Move prev, Move last, Value root
   root.multipv = OptionInt("MultiPV");
   root.root_tb_score = root_tb_score;
   root.line_count = 0;
+  root.completed_depth = 0;
   const int n = std::min(int(st.root_moves.size()), root.multipv);
   // At least one iteration, at most 100 plies, whatever depth was asked for.
   const int max_depth = 4 * std::clamp(st.limits.depth, 1, 100);
 
   Value v = 0;
   for (int d = 4; n > 0 && d <= max_depth && !st.stop; d += 4) {
+    if (HelperSkipsIteration(st.thread_index, d / ONE_PLY) && d < max_depth) continue;
     st.excluded.clear();
-    PrintIterationStart(d);
+    if (main_thread) PrintIterationStart(d);
     for (int k = 0; k < n && !st.stop; ++k) {
       const bool has_record = k < root.line_count;
       root.current = has_record ? root.lines[k] : PvRecord{};
@@ -337,6 +361,8 @@ void RootSearch(SearchState& st, Position& pos, Move prev, Move last, Value root
       if (root.current.pv_length) InsertCurrentLine(st, n);
     }
     if (st.stop) break;
+    root.completed_depth = d;
+    if (!main_thread) continue;
     const int32_t elapsed = ElapsedMs(st);
     PrintIterationSummary(elapsed, TotalNodes(st), TotalTbHits(st), TotalSbHits(st));
     TimeEvent(EVENT_ITERATION_END, elapsed, v);
@@ -344,8 +370,12 @@ void RootSearch(SearchState& st, Position& pos, Move prev, Move last, Value root
     if (st.limits.has_clock() && ((st.root_moves.size() == 1 && d >= 60) || MateFoundWithin(v, d))) break;
   }
 
+  if (!main_thread) return;
   while (st.stop != 1 && (st.limits.ponder || st.limits.infinite) && search_pool) search_pool->ExecuteNextCommand();
+}
 
+void PrintSearchResult(const SearchState& st) {
+  const RootState& root = *st.root;
   if (!root.line_count) {
     // No legal move, or stopped before the first root move was searched
     // (a node limit of a few nodes): play the first move the root may play.

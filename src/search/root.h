@@ -23,15 +23,32 @@ bool WidenWindow(Window& w, Value v);
 // First window of a line at depth d given its last score (32767 = none).
 Window InitialWindow(int depth, bool has_record, Value last_score);
 
-// Runs the whole search of one "go" on the state's thread and writes
-// "bestmove". root_tb_score is 32767 unless a tablebase resolved the root.
-// Limited: the strength-limited search (full windows, root move bonuses,
-// the shuffled first iteration); the launch has set up its bonuses, node
-// budget and shuffled root move list.
+// Per-thread root data: lines, the root's search stack and the depth of the
+// last completed iteration. Allocated with each SearchState.
+struct RootState;
+RootState* NewRootState();
+void DeleteRootState(RootState* root);
+
+// Runs the iterative deepening of one "go" on the state's thread. The main
+// thread (index 0) writes the search output, sends the time events, checks
+// the limits and, when pondering or infinite, waits for "ponderhit" or
+// "stop"; helpers search silently, leaving out some iterations, until their
+// stop flag is set. root_tb_score is 32767 unless a tablebase resolved the
+// root. Limited: the strength-limited search (full windows, root move
+// bonuses, the shuffled first iteration); the launch has set up its bonuses,
+// node budget and shuffled root move list.
 template <bool HwPopcnt, bool Limited>
 void RootSearch(SearchState& st, Position& pos, Move prev, Move last, Value root_tb_score);
 
-// The line records the last RootSearch left (best first).
-const PvRecord* RootLines(int& count);
+// Writes "bestmove" (and "ponder") from the state's best line.
+void PrintSearchResult(const SearchState& st);
+
+// The line records the state's last RootSearch left (best first), and the
+// depth (in depth units) of its last iteration that was not stopped.
+const PvRecord* RootLines(const SearchState& st, int& count, int& completed_depth);
+
+// Whether helper thread_index (0: the main thread, never) leaves out the
+// iteration of that many plies.
+bool HelperSkipsIteration(int thread_index, int plies);
 
 }  // namespace vx

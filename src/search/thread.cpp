@@ -6,6 +6,7 @@
 #include "eval/pawns.h"
 #include "platform/platform.h"
 #include "search/history.h"
+#include "search/root.h"
 
 namespace vx {
 
@@ -18,6 +19,7 @@ SearchState::SearchState(int32_t index, TranspositionTable* tt, std::vector<Thre
   material_table = AllocMaterialTable();
   pawn_table = AllocPawnTable();
   hasPopcnt = platform::cpu_has_popcnt();
+  root = NewRootState();
 }
 
 SearchState::~SearchState() {
@@ -26,6 +28,7 @@ SearchState::~SearchState() {
   delete[] counter_moves;
   FreeMaterialTable(material_table);
   FreePawnTable(pawn_table);
+  DeleteRootState(root);
 }
 
 void SearchState::reset_eval_caches() {
@@ -36,26 +39,90 @@ void SearchState::reset_eval_caches() {
 
 void SearchState::reset_history() { std::fill(&(*history)[0][0], &(*history)[0][0] + 16 * 64, HISTORY_NEUTRAL); }
 
+struct HelperThread {
+  SearchState state;
+  Position position;
+  Thread thread;
+  std::thread worker;
+
+  HelperThread(int32_t index, TranspositionTable* tt, std::vector<Thread*>* pool, const Position& root)
+      : state(index, tt, pool), position(root), thread{&state, &position} {
+    state.thread = &thread;
+    // Only the main thread runs the periodic check.
+    state.next_check = INT64_MAX / 2;
+  }
+};
+
 uint64_t ThreadPool::nodes() const {
-  uint64_t sum = 0;
-  for (const Thread* t : threads) sum += t->state->nodes;
-  return sum;
+  return SumOverThreads(threads, [](const SearchState& s) { return uint64_t(s.nodes); });
 }
 
 uint64_t ThreadPool::tbhits() const {
-  uint64_t sum = 0;
-  for (const Thread* t : threads) sum += t->state->tbhits;
-  return sum;
+  return SumOverThreads(threads, [](const SearchState& s) { return uint64_t(s.tbhits); });
 }
 
 uint64_t ThreadPool::sbhits() const {
-  uint64_t sum = 0;
-  for (const Thread* t : threads) sum += t->state->sbhits;
-  return sum;
+  return SumOverThreads(threads, [](const SearchState& s) { return uint64_t(s.sbhits); });
 }
 
 void ThreadPool::zero_counters() {
   for (Thread* t : threads) t->state->nodes = t->state->tbhits = t->state->sbhits = 0;
+}
+
+ThreadPool::ThreadPool() = default;
+ThreadPool::~ThreadPool() { SetThreadCount(1); }
+
+void ThreadPool::SetThreadCount(size_t count) {
+  const size_t wanted = count > 1 ? count - 1 : 0;
+  if (wanted < helpers_.size()) {
+    {
+      std::lock_guard<std::mutex> lock(mutex_);
+      exiting_ = true;
+    }
+    wake_.notify_all();
+    for (auto& h : helpers_) h->worker.join();
+    helpers_.clear();
+    exiting_ = false;
+  }
+  if (threads.empty()) return;
+  threads.erase(threads.begin() + 1, threads.end());
+  while (helpers_.size() < wanted) {
+    const int32_t index = int32_t(helpers_.size() + 1);
+    helpers_.push_back(std::make_unique<HelperThread>(index, main().table, &threads, main_position()));
+    HelperThread& h = *helpers_.back();
+    h.worker = std::thread([this, &h, g = generation_] { HelperLoop(h, g); });
+  }
+  for (auto& h : helpers_) threads.push_back(&h->thread);
+}
+
+void ThreadPool::HelperLoop(HelperThread& helper, uint64_t generation) {
+  std::unique_lock<std::mutex> lock(mutex_);
+  for (;;) {
+    wake_.wait(lock, [&] { return exiting_ || generation_ != generation; });
+    if (exiting_) return;
+    generation = generation_;
+    lock.unlock();
+    job_(helper.thread);
+    lock.lock();
+    if (--running_ == 0) parked_.notify_all();
+  }
+}
+
+void ThreadPool::StartHelpers(std::function<void(Thread&)> job) {
+  if (helpers_.empty()) return;
+  {
+    std::lock_guard<std::mutex> lock(mutex_);
+    job_ = std::move(job);
+    running_ = helpers_.size();
+    ++generation_;
+  }
+  wake_.notify_all();
+}
+
+void ThreadPool::StopHelpers() {
+  for (auto& h : helpers_) h->state.stop = 1;
+  std::unique_lock<std::mutex> lock(mutex_);
+  parked_.wait(lock, [&] { return running_ == 0; });
 }
 
 }  // namespace vx

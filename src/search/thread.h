@@ -2,8 +2,14 @@
 // search state.
 #pragma once
 
+#include <atomic>
+#include <condition_variable>
 #include <cstdint>
+#include <functional>
 #include <map>
+#include <memory>
+#include <mutex>
+#include <thread>
 #include <vector>
 
 #include "board/movegen.h"
@@ -16,6 +22,32 @@ class TranspositionTable;
 struct MaterialEntry;
 struct PawnEntry;
 struct Thread;
+struct RootState;
+
+// A value one thread writes while others read it (stop flags, node and hit
+// counters): relaxed atomic loads and stores, so reading and counting cost
+// what plain ones do, and a reader on another thread sees a whole value.
+// Increments are not atomic read-modify-writes: each counter has one writer.
+template <typename T>
+class Relaxed {
+ public:
+  Relaxed(T v = T()) : v_(v) {}
+  Relaxed(const Relaxed& o) : v_(T(o)) {}
+  operator T() const { return v_.load(std::memory_order_relaxed); }
+  Relaxed& operator=(T v) {
+    v_.store(v, std::memory_order_relaxed);
+    return *this;
+  }
+  Relaxed& operator=(const Relaxed& o) { return *this = T(o); }
+  T operator++() {
+    const T n = T(*this) + 1;
+    v_.store(n, std::memory_order_relaxed);
+    return n;
+  }
+
+ private:
+  std::atomic<T> v_;
+};
 
 // Limits of one search as "go" gives them.
 struct SearchLimits {
@@ -37,7 +69,9 @@ using CounterMoveTable = uint32_t[16][64][2];
 
 struct SearchState {
   uint8_t quit = 0;
-  int32_t stop = 0;  // 0 running, 1 stopped by a command, 2 stopped by a limit
+  // 0 running, 1 stopped by a command, 2 stopped by a limit; the main thread
+  // also writes the helpers' flags.
+  Relaxed<int32_t> stop = 0;
   int64_t next_check = 0;
   Thread* thread = nullptr;
   SearchLimits limits;
@@ -46,9 +80,9 @@ struct SearchState {
   std::vector<Move> excluded;
   std::map<Move, int32_t> strength_bonus;
   int32_t thread_index = 0;
-  uint64_t nodes = 0;
-  uint64_t tbhits = 0;
-  uint64_t sbhits = 0;
+  Relaxed<uint64_t> nodes = 0;
+  Relaxed<uint64_t> tbhits = 0;
+  Relaxed<uint64_t> sbhits = 0;
   uint32_t search_start = 0;
   TranspositionTable* table = nullptr;
   std::vector<Thread*>* pool = nullptr;
@@ -61,6 +95,8 @@ struct SearchState {
   uint64_t pawn_probes = 0, pawn_hits = 0;
   PawnEntry* pawn_table = nullptr;
   uint8_t hasPopcnt = 0;
+  // The root search's lines and search stack of this thread.
+  RootState* root = nullptr;
 
   SearchState(int32_t index, TranspositionTable* tt, std::vector<Thread*>* pool);
   ~SearchState();
@@ -77,10 +113,31 @@ struct Thread {
   Position* position;
 };
 
+// Sum of one counter over a pool's threads.
+template <typename Field>
+uint64_t SumOverThreads(const std::vector<Thread*>& threads, Field field) {
+  uint64_t sum = 0;
+  for (const Thread* t : threads) sum += field(*t->state);
+  return sum;
+}
+
+// A helper search thread of the pool: its own search state and position,
+// parked between searches.
+struct HelperThread;
+
+// The search threads: the main thread (index 0), which also runs the command
+// loop, and the helpers that "Threads" asks for beyond it. Helpers are
+// created when the count changes and parked on a condition variable between
+// searches; only the main thread starts and stops them.
 class ThreadPool {
  public:
   std::vector<Thread*> threads;
   InputHandler input;
+
+  ThreadPool();
+  ~ThreadPool();
+  ThreadPool(const ThreadPool&) = delete;
+  ThreadPool& operator=(const ThreadPool&) = delete;
 
   SearchState& main() { return *threads[0]->state; }
   Position& main_position() { return *threads[0]->position; }
@@ -90,10 +147,32 @@ class ThreadPool {
   uint64_t sbhits() const;
   void zero_counters();
 
+  // Grows or shrinks the pool to `count` threads in all (at least the main
+  // thread, which must be in place). New helpers share the main thread's
+  // table and start on a copy of its position. Only while no search runs.
+  void SetThreadCount(size_t count);
+  size_t helper_count() const { return helpers_.size(); }
+  // Runs `job` once on every helper, each on its own thread, and returns at
+  // once. The job must end soon after the helper's stop flag is set.
+  void StartHelpers(std::function<void(Thread&)> job);
+  // Sets every helper's stop flag and waits until every helper is parked.
+  void StopHelpers();
+
   // Executes one queued command line, if any; never blocks.
   void PollInput();
   // Waits for the next command line and executes it.
   void ExecuteNextCommand();
+
+ private:
+  void HelperLoop(HelperThread& helper, uint64_t generation);
+
+  std::vector<std::unique_ptr<HelperThread>> helpers_;
+  std::mutex mutex_;
+  std::condition_variable wake_, parked_;
+  std::function<void(Thread&)> job_;
+  uint64_t generation_ = 0;  // advanced by every StartHelpers
+  size_t running_ = 0;       // helpers still inside the current job
+  bool exiting_ = false;
 };
 
 }  // namespace vx

@@ -1,0 +1,164 @@
+"""Searching with several threads, as a GUI or match runner sets it up: the
+Threads option, commands that act during a multi-thread search, MultiPV and
+searchmoves, count changes between searches, many threads on a small table,
+and a legality check of every move played in fast multi-thread games.
+
+Run with an engine path (and the developer tool's); `make test-tsan` runs this
+file against a ThreadSanitizer build, so every wait allows for a slow engine."""
+import os
+import re
+import sys
+import time
+import unittest
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from engine import NO_BASES, EngineError, start  # noqa: E402
+from test_match import OPENINGS, forfeits, match, summary_counts  # noqa: E402
+
+ENGINE = os.path.abspath(sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen")
+DEV = os.path.abspath(sys.argv[2] if len(sys.argv) > 2 else "build/vorlaxen-dev")
+TIMEOUT = 120.0
+# How much slower than a release build the engine under test runs (the
+# ThreadSanitizer build polls its input just as often, in nodes, but searches
+# far fewer of them per second).
+TIME_SCALE = float(os.environ.get("VORLAXEN_TIME_SCALE", "1"))
+MIDGAME = "position fen r1bq1rk1/pp2bppp/2n1pn2/2pp4/3P4/2PBPN2/PP1N1PPP/R2QK2R w KQ - 0 8"
+
+
+def is_bestmove(line):
+    return line.startswith("bestmove")
+
+
+def nodes_of(line):
+    m = re.search(r" nodes (\d+)", line)
+    return int(m.group(1)) if m else None
+
+
+class ThreadsTestCase(unittest.TestCase):
+    def setUp(self):
+        self.engine = start(self, ENGINE, timeout=TIMEOUT)
+        self.assertEqual(self.engine.sync(), [NO_BASES])
+
+    def set_threads(self, n):
+        self.engine.send("setoption name Threads value %d" % n)
+
+    def search(self, position, go):
+        """Runs one search to "bestmove"; returns (lines before it, best move)."""
+        self.engine.send(position)
+        self.engine.send(go)
+        lines = self.engine.read_until(is_bestmove)
+        for line in self.engine.sync():
+            self.assertFalse(is_bestmove(line), "a second bestmove: " + line)
+        return lines[:-1], lines[-1].split()[1]
+
+    def lines_within(self, seconds):
+        lines, deadline = [], time.monotonic() + seconds
+        while time.monotonic() < deadline:
+            try:
+                lines.append(self.engine.read_line(max(deadline - time.monotonic(), 0.01)))
+            except EngineError:
+                break
+        return lines
+
+    def seconds_to_bestmove(self, command):
+        """Sends a command during a search; seconds until "bestmove" follows."""
+        start_time = time.monotonic()
+        self.engine.send(command)
+        self.engine.read_until(is_bestmove)
+        return time.monotonic() - start_time
+
+
+class Commands(ThreadsTestCase):
+    def test_stop_and_ponderhit_end_a_four_thread_search_at_once(self):
+        self.set_threads(4)
+        self.engine.send(MIDGAME)
+        self.engine.send("go infinite")
+        self.engine.read_until(lambda l: l.startswith("info depth 6 "))
+        self.assertLess(self.seconds_to_bestmove("stop"), 0.5 * TIME_SCALE)
+        self.assertEqual(self.engine.sync(), [])
+
+        # A pondering search goes on whatever its clock says; after
+        # "ponderhit" the 100 ms clock ends it.
+        self.engine.send("go ponder wtime 100 btime 100")
+        self.engine.read_until(lambda l: l.startswith("info depth 6 "))
+        self.assertFalse(any(is_bestmove(l) for l in self.lines_within(1.0)))
+        self.assertLess(self.seconds_to_bestmove("ponderhit"), 0.5 * TIME_SCALE)
+        self.assertEqual(self.engine.sync(), [])
+
+    def test_quit_during_a_four_thread_search_ends_the_process(self):
+        self.set_threads(4)
+        self.engine.send(MIDGAME)
+        self.engine.send("go infinite")
+        self.engine.read_until(lambda l: l.startswith("info depth 5 "))
+        self.engine.send("quit")
+        self.engine.read_until(is_bestmove)
+        self.assertEqual(self.engine.wait(30), 0)
+
+    def test_new_game_and_count_changes_leave_one_thread_searching_as_before(self):
+        # One thread searches the same tree whatever ran before it: a
+        # four-thread search, a shrink, a grow and a new game in between.
+        self.set_threads(1)
+        first, _ = self.search(MIDGAME, "go depth 9")
+        for n in (4, 2, 3):
+            self.set_threads(n)
+            self.search(MIDGAME, "go depth 9")
+        self.set_threads(1)
+        self.engine.send("ucinewgame")
+        again, _ = self.search(MIDGAME, "go depth 9")
+        summary = [nodes_of(l) for l in first if l.startswith("info time ")]
+        self.assertEqual(summary, [nodes_of(l) for l in again if l.startswith("info time ")])
+
+
+class Output(ThreadsTestCase):
+    def test_bench_searches_with_one_thread_whatever_threads_says(self):
+        self.set_threads(2)
+        self.engine.send("bench -10")
+        lines = self.engine.read_until(lambda l: l.startswith("Nodes/second"))
+        self.assertIn("Nodes searched  : 282069", lines)
+
+    def test_multipv_and_searchmoves_with_threads(self):
+        self.set_threads(3)
+        self.engine.send("setoption name MultiPV value 3")
+        lines, best = self.search(MIDGAME, "go depth 7")
+        last = [l for l in lines if l.startswith("info multipv ") and " depth 7 " in l]
+        self.assertEqual([l.split()[2] for l in last[-3:]], ["1", "2", "3"])
+        first_moves = [l.split(" pv ")[1].split()[0] for l in last[-3:]]
+        self.assertEqual(len(set(first_moves)), 3)
+        self.assertEqual(best, first_moves[0])
+
+        self.engine.send("setoption name MultiPV value 1")
+        for allowed in (["a2a3", "h2h3"], ["d1c2"], ["e1g1", "a2a4", "b2b4"]):
+            lines, best = self.search(MIDGAME, "go movetime 300 searchmoves " + " ".join(allowed))
+            self.assertIn(best, allowed)
+            for l in lines:
+                if " pv " in l:
+                    self.assertIn(l.split(" pv ")[1].split()[0], allowed, l)
+
+    def test_sixty_four_threads_on_a_one_megabyte_table(self):
+        self.engine.send("setoption name Hash value 1")
+        self.set_threads(64)
+        self.assertEqual(self.engine.sync(), [])
+        lines, best = self.search(MIDGAME, "go movetime 1000")
+        self.assertRegex(best, r"^[a-h][1-8][a-h][1-8][nbrq]?$")
+        hashfull = [int(m.group(1)) for m in (re.search(r" hashfull (\d+)", l) for l in lines) if m]
+        self.assertTrue(all(0 <= h <= 1000 for h in hashfull))
+        self.set_threads(1)
+        self.search("position startpos", "go depth 6")
+
+
+class Legality(unittest.TestCase):
+    def test_every_move_of_fast_multi_thread_games_is_legal(self):
+        # The match runner referees every move; two and four threads share a
+        # small table written by all of them at once.
+        r = match("--engine", ENGINE, "--name", "four", "--option", "Threads=4", "--option", "Hash=2",
+                  "--engine", ENGINE, "--name", "two", "--option", "Threads=2", "--option", "Hash=2",
+                  "--games", "6", "--tc", "1+0.02", "--openings", str(OPENINGS), "--seed", "11",
+                  timeout=900)
+        self.assertEqual(r.returncode, 0, r.stderr)
+        self.assertEqual(sum(summary_counts(r.stdout)), 6, r.stdout)
+        for name, counts in forfeits(r.stdout).items():
+            self.assertEqual(counts[:2], (0, 0), name + ": " + r.stdout)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,108 @@
+// The search threads: the pool growing and shrinking, helpers searching the
+// main thread's root and being counted, and the searches that keep to one
+// thread. Commands during multi-thread searches are driven through the binary
+// in tests/protocol/test_threads.py.
+#include <gtest/gtest.h>
+
+#include <regex>
+
+#include "engine/bench.h"
+#include "engine/commands.h"
+#include "engine/launch.h"
+#include "engine_test_util.h"
+#include "search/root.h"
+
+namespace vx {
+namespace {
+
+struct ThreadsTest : ::testing::Test, test::EngineFixture {
+  // Runs "go depth N" on the pool's position; returns everything written.
+  std::string Search(int depth) {
+    SearchState& st = pool.main();
+    st.limits = SearchLimits{};
+    st.limits.depth = depth;
+    MoveList legal;
+    GenerateLegal(position, legal);
+    std::vector<Move> moves(legal.begin(), legal.end());
+    testing::internal::CaptureStdout();
+    LaunchSearch(pool, MOVE_NONE, MOVE_NONE, moves);
+    return testing::internal::GetCapturedStdout();
+  }
+
+  uint64_t HelperNodes() {
+    uint64_t sum = 0;
+    for (size_t i = 1; i < pool.threads.size(); ++i) sum += pool.threads[i]->state->nodes;
+    return sum;
+  }
+};
+
+TEST_F(ThreadsTest, PoolGrowsAndShrinksWithHelpersOnTheMainRoot) {
+  position.SetFromFen(test::KIWIPETE);
+  for (int n : {4, 2, 5, 1, 3}) {
+    SetOption("Threads", std::to_string(n));
+    ASSERT_EQ(pool.threads.size(), size_t(n));
+    EXPECT_EQ(pool.threads[0]->state, state);
+    for (size_t i = 1; i < pool.threads.size(); ++i) {
+      const SearchState& h = *pool.threads[i]->state;
+      EXPECT_EQ(h.thread_index, int(i));
+      EXPECT_EQ(h.table, &tt);
+      EXPECT_EQ(h.thread, pool.threads[i]);
+      EXPECT_EQ(pool.threads[i]->position->state->key, position.state->key);
+    }
+  }
+  // "position" reaches every thread.
+  std::istringstream args("startpos moves e2e4");
+  GameMoves game;
+  ASSERT_TRUE(SetupPosition(pool, args, game));
+  for (const Thread* t : pool.threads) EXPECT_EQ(t->position->state->key, position.state->key);
+}
+
+TEST_F(ThreadsTest, HelpersSearchAndTheOutputCountsTheirNodes) {
+  position.SetFromFen("r1bq1rk1/pp2bppp/2n1pn2/2pp4/3P4/2PBPN2/PP1N1PPP/R2QK2R w KQ - 0 8");
+  SetOption("Threads", "3");
+  const std::string out = Search(13);
+  for (size_t i = 1; i < pool.threads.size(); ++i) EXPECT_GT(uint64_t(pool.threads[i]->state->nodes), 0u);
+  // The last iteration summary is written just before the search ends: by
+  // then the helpers' nodes are in it, so it exceeds the main thread's own.
+  std::smatch m;
+  std::string last;
+  const std::regex summary("info time \\d+ nodes (\\d+)");
+  for (std::sregex_iterator it(out.begin(), out.end(), summary), end; it != end; ++it) last = (*it)[1];
+  ASSERT_FALSE(last.empty()) << out;
+  EXPECT_GT(std::stoull(last), uint64_t(state->nodes));
+  ASSERT_TRUE(std::regex_search(out, m, std::regex("bestmove (\\S+)")));
+  EXPECT_NE(ParseMove(position, m[1]), MOVE_NONE) << m[1];
+}
+
+TEST_F(ThreadsTest, StrengthLimitAndBenchSearchWithOneThread) {
+  SetOption("Threads", "2");
+  SetOption("UCI_LimitStrength", "true");
+  position.SetFromFen(test::START_FEN);
+  Search(6);
+  EXPECT_EQ(HelperNodes(), 0u);
+  EXPECT_GT(uint64_t(state->nodes), 0u);
+  SetOption("UCI_LimitStrength", "false");
+
+  testing::internal::CaptureStdout();
+  RunBench(pool, -14);
+  testing::internal::GetCapturedStdout();
+  EXPECT_EQ(HelperNodes(), 0u);
+}
+
+TEST(HelperIterations, EveryDepthIsSearchedBySomeHelpersAndSkippedByOthers) {
+  for (int plies = 1; plies <= 100; ++plies) {
+    EXPECT_FALSE(HelperSkipsIteration(0, plies));
+    int skipping = 0;
+    for (int helper = 1; helper <= 20; ++helper) skipping += HelperSkipsIteration(helper, plies);
+    EXPECT_GT(skipping, 0) << plies;
+    EXPECT_LT(skipping, 20) << plies;
+  }
+  // One helper beside the main thread takes the depths the main thread
+  // reaches second: every other one.
+  EXPECT_TRUE(HelperSkipsIteration(1, 1));
+  EXPECT_FALSE(HelperSkipsIteration(1, 2));
+  EXPECT_EQ(HelperSkipsIteration(21, 7), HelperSkipsIteration(1, 7));
+}
+
+}  // namespace
+}  // namespace vx
