@@ -53,6 +53,7 @@ struct MatchState {
   std::atomic<bool> stop{false};
   std::mutex mutex;
   MatchCounts counts;  // first engine's point of view
+  PairCounts pairs;    // both games of an opening, first engine's points
   ForfeitCounts forfeits[2];
   std::map<std::string, int> reasons;
   int finished = 0;
@@ -270,16 +271,19 @@ std::string elo_text(double elo) {
   return text;
 }
 
-// Counts a finished game, prints its line, writes its PGN and tests the SPRT.
-void record_game(MatchState& st, int number, int white_engine, const Game& game, const GameOutcome& outcome,
-                 const std::vector<std::string>& comments) {
+// Counts a finished game, prints its line and writes its PGN; the second game
+// of a pair (pair_first: the first engine's half points in the first game,
+// else -1) also counts the pair and tests the SPRT. Returns the first
+// engine's half points in this game.
+int record_game(MatchState& st, int number, int white_engine, const Game& game, const GameOutcome& outcome,
+                const std::vector<std::string>& comments, int pair_first) {
   const MatchSettings& s = st.settings;
   std::lock_guard<std::mutex> lock(st.mutex);
   const GameResult r = outcome.verdict.result;
   const bool first_is_white = white_engine == 0;
-  if (r == GameResult::DRAW) ++st.counts.draws;
-  else if ((r == GameResult::WHITE_WINS) == first_is_white) ++st.counts.wins;
-  else ++st.counts.losses;
+  const int half_points = r == GameResult::DRAW ? 1 : (r == GameResult::WHITE_WINS) == first_is_white ? 2 : 0;
+  ++(half_points == 2 ? st.counts.wins : half_points == 1 ? st.counts.draws : st.counts.losses);
+  if (pair_first >= 0) ++st.pairs.points[pair_first + half_points];
   if (outcome.forfeiting_engine >= 0) {
     ForfeitCounts& f = st.forfeits[outcome.forfeiting_engine];
     if (outcome.kind == ForfeitKind::ILLEGAL) ++f.illegal;
@@ -299,9 +303,9 @@ void record_game(MatchState& st, int number, int white_engine, const Game& game,
   line += score;
   if (s.use_sprt) {
     char llr[64];
-    std::snprintf(llr, sizeof llr, ", LLR %.2f", SprtLlr(s.sprt, st.counts));
+    std::snprintf(llr, sizeof llr, ", LLR %.2f", SprtLlr(s.sprt, TrialsOf(st.pairs)));
     line += llr;
-    st.decision = SprtDecide(s.sprt, st.counts);
+    if (pair_first >= 0) st.decision = SprtDecide(s.sprt, TrialsOf(st.pairs));
     if (st.decision != SprtDecision::CONTINUE) st.stop = true;
   }
   std::printf("%s\n", line.c_str());
@@ -314,6 +318,7 @@ void record_game(MatchState& st, int number, int white_engine, const Game& game,
     std::fputs(text.c_str(), st.pgn);
     std::fflush(st.pgn);
   }
+  return half_points;
 }
 
 // Each thread plays both games of an opening, one after the other with the
@@ -325,30 +330,40 @@ void worker(MatchState& st, EngineProcess* engines) {
   for (;;) {
     const int pair = st.next_pair++;
     const std::string& fen = st.openings[size_t(pair) % st.openings.size()];
+    int first = -1;
     for (int index = 2 * pair; index < 2 * pair + 2; ++index) {
       if (st.stop || index >= st.settings.games) return;
       const int white_engine = index % 2;  // colours reversed in the second game
       const GameOutcome outcome = play_game(st, engines, fen, white_engine, game, comments);
       if (outcome.abandoned) return;
-      record_game(st, index + 1, white_engine, game, outcome, comments);
+      first = record_game(st, index + 1, white_engine, game, outcome, comments, index % 2 ? first : -1);
     }
   }
 }
 
+std::string interval_text(const EloEstimate& e) {
+  return elo_text(e.elo) + ", 95% interval [" + elo_text(e.lower) + ", " + elo_text(e.upper) + "]";
+}
+
+// Elo, normalized Elo, LOS and SPRT come from the game pairs; the Elo of the
+// games counted one by one follows for comparison.
 void print_summary(const MatchState& st) {
   const MatchSettings& s = st.settings;
   const MatchCounts& c = st.counts;
-  const EloEstimate elo = EstimateElo(c);
+  const Trials pairs = TrialsOf(st.pairs);
+  const int* p = st.pairs.points;
   std::printf("\nResult of %s vs %s after %d games (tc %s)\n", st.names[0].c_str(), st.names[1].c_str(), c.games(),
               s.time_control.c_str());
   std::printf("W/D/L: %d/%d/%d\n", c.wins, c.draws, c.losses);
+  std::printf("Pentanomial [0, 0.5, 1, 1.5, 2]: %d %d %d %d %d\n", p[0], p[1], p[2], p[3], p[4]);
   std::printf("Score: %.1f/%d = %.3f\n", c.wins + 0.5 * c.draws, c.games(), Score(c));
-  std::printf("Elo difference: %s, 95%% interval [%s, %s]\n", elo_text(elo.elo).c_str(), elo_text(elo.lower).c_str(),
-              elo_text(elo.upper).c_str());
-  std::printf("LOS: %.1f%%\n", 100 * LikelihoodOfSuperiority(c));
+  std::printf("Elo difference: %s (%d pairs)\n", interval_text(EstimateElo(pairs)).c_str(), st.pairs.pairs());
+  std::printf("Normalized Elo: %s\n", interval_text(EstimateNormalizedElo(pairs)).c_str());
+  std::printf("Elo of the games counted singly: %s\n", interval_text(EstimateElo(c)).c_str());
+  std::printf("LOS: %.1f%%\n", 100 * LikelihoodOfSuperiority(pairs));
   if (s.use_sprt)
     std::printf("SPRT (elo0 %g, elo1 %g): LLR %.3f, bounds [%.3f, %.3f], %s\n", s.sprt.elo0, s.sprt.elo1,
-                SprtLlr(s.sprt, c), SprtLowerBound(s.sprt), SprtUpperBound(s.sprt), decision_text(st.decision));
+                SprtLlr(s.sprt, pairs), SprtLowerBound(s.sprt), SprtUpperBound(s.sprt), decision_text(st.decision));
   std::string reasons;
   for (const auto& [reason, count] : st.reasons) reasons += (reasons.empty() ? "" : ", ") + reason + " " + std::to_string(count);
   std::printf("Endings: %s\n", reasons.empty() ? "none" : reasons.c_str());

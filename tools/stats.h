@@ -1,7 +1,11 @@
 // Match statistics on logistic Elo: score, Elo difference with a 95%
-// interval, likelihood of superiority, and the sequential probability ratio
-// test (normal approximation of the generalized test on the trinomial
-// win/draw/loss distribution).
+// interval, normalized Elo, likelihood of superiority, and the sequential
+// probability ratio test (normal approximation of the generalized test).
+// Games can be counted one by one (trinomial: win, draw, loss) or, since the
+// match runner plays every opening twice with colours reversed, by game pairs
+// (pentanomial: 0, 1/2, 1, 3/2 or 2 points per pair). The two games of a pair
+// are not independent (the opening favours one colour); counting pairs takes
+// that correlation into account, counting games ignores it.
 #pragma once
 
 namespace vx::dev {
@@ -10,6 +14,27 @@ struct MatchCounts {
   int wins = 0, draws = 0, losses = 0;  // from the first engine's point of view
   int games() const { return wins + draws + losses; }
 };
+
+// Game pairs by the first engine's points in the pair: points[k] pairs ended
+// with k/2 points (k = 0..4).
+struct PairCounts {
+  int points[5] = {};
+  int pairs() const { return points[0] + points[1] + points[2] + points[3] + points[4]; }
+};
+
+// Independent trials (games or game pairs) as a distribution of per-game
+// scores: count[i] trials scored score[i] points per game.
+struct Trials {
+  Trials() = default;  // not an aggregate: braces name match counts, never trials
+  int kinds = 0;
+  double score[5] = {}, count[5] = {};
+  int games_per_trial = 1;
+  double n() const;
+  double mean() const;      // 0.5 without trials
+  double variance() const;  // of one trial's per-game score around the mean
+};
+Trials TrialsOf(const MatchCounts& c);
+Trials TrialsOf(const PairCounts& c);
 
 double Score(const MatchCounts& c);          // (W + D/2) / N, 0.5 for no games
 double EloFromScore(double score);           // -400 log10(1/s - 1); ±infinity at 0 and 1
@@ -22,10 +47,17 @@ struct EloEstimate {
   double lower;  // 95% interval by the normal approximation of the score
   double upper;
 };
+EloEstimate EstimateElo(const Trials& t);
 EloEstimate EstimateElo(const MatchCounts& c);
+// Normalized Elo: the score's distance from 1/2 in standard deviations of
+// one game, times 800 / ln 10 (for pairs, the deviation of a pair's mean
+// score times sqrt 2). Infinite when every trial scored the same but 1/2.
+EloEstimate EstimateNormalizedElo(const Trials& t);
 
 // Likelihood of superiority: 1/2 (1 + erf((W - L) / sqrt(2 (W + L)))); 1/2 without decisive games.
 double LikelihoodOfSuperiority(const MatchCounts& c);
+// The same by the normal approximation of the mean score of the trials.
+double LikelihoodOfSuperiority(const Trials& t);
 
 enum class SprtDecision { CONTINUE, ACCEPT_H0, ACCEPT_H1 };
 struct Sprt {
@@ -35,10 +67,13 @@ struct Sprt {
 double SprtLowerBound(const Sprt& s);  // ln(beta / (1 - alpha))
 double SprtUpperBound(const Sprt& s);  // ln((1 - beta) / alpha)
 // Log-likelihood ratio of H1 (Elo = elo1) against H0 (Elo = elo0):
-// N (s1 - s0) (2 x - s0 - s1) / (2 var), x the mean score, var the per-game
-// variance, s0 and s1 the expected scores. Zero without games; while all
-// games have had one result, half a game of each result is added first.
+// N (s1 - s0) (2 x - s0 - s1) / (2 var), N the trials, x the mean score,
+// var the per-trial variance, s0 and s1 the expected scores. Zero without
+// trials; while every trial has had one result, half a trial of each kind
+// is added first.
+double SprtLlr(const Sprt& s, const Trials& t);
 double SprtLlr(const Sprt& s, const MatchCounts& c);
+SprtDecision SprtDecide(const Sprt& s, const Trials& t);
 SprtDecision SprtDecide(const Sprt& s, const MatchCounts& c);
 
 }  // namespace vx::dev

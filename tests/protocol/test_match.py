@@ -86,7 +86,14 @@ class Match(unittest.TestCase):
         self.assertIsNotNone(wdl, out)
         self.assertEqual(sum(wdl), 4)
         self.assertRegex(out, r"Score: [\d.]+/4 = [01]\.\d{3}")
-        self.assertRegex(out, r"Elo difference: \S+, 95% interval \[\S+, \S+\]")
+        # The two pairs of games, counted by the first engine's points, hold
+        # exactly the points of the single games.
+        pairs = [int(n) for n in re.search(r"^Pentanomial \[0, 0\.5, 1, 1\.5, 2\]: (\d+) (\d+) (\d+) (\d+) (\d+)$",
+                                           out, re.M).groups()]
+        self.assertEqual(sum(pairs), 2)
+        self.assertEqual(sum(k * n for k, n in enumerate(pairs)), 2 * wdl[0] + wdl[1])
+        self.assertRegex(out, r"Elo difference: \S+, 95% interval \[\S+, \S+\] \(2 pairs\)")
+        self.assertRegex(out, r"Normalized Elo: \S+, 95% interval \[\S+, \S+\]")
         self.assertRegex(out, r"LOS: [\d.]+%")
         self.assertRegex(out, r"SPRT \(elo0 0, elo1 10\): LLR -?[\d.]+, bounds \[-2\.944, 2\.944\], "
                               r"(continue|H0 accepted|H1 accepted)")
