@@ -1,9 +1,10 @@
 // vorlaxen-dev match --engine CMD [--name NAME] [--option NAME=VALUE]... --engine CMD ...
 //   --games N --tc BASE+INC [--openings FILE] [--concurrency K] [--pgn FILE]
-//   [--sprt ELO0 ELO1] [--seed S] [--margin MS]
+//   [--sprt ELO0 ELO1] [--seed S] [--margin MS] [--plies N]
 #include "tools/match.h"
 
 #include <algorithm>
+#include <cctype>
 #include <atomic>
 #include <cmath>
 #include <cstdio>
@@ -22,6 +23,7 @@
 #include "tools/adjudicate.h"
 #include "tools/fen.h"
 #include "tools/pgn.h"
+#include "tools/pgn_reader.h"
 
 namespace vx::dev {
 
@@ -376,7 +378,7 @@ void usage() {
   std::fprintf(stderr,
                "usage: vorlaxen-dev match --engine CMD [--name NAME] [--option NAME=VALUE]... --engine CMD ...\n"
                "         --games N --tc BASE+INC [--openings FILE] [--concurrency K] [--pgn FILE]\n"
-               "         [--sprt ELO0 ELO1] [--seed S] [--margin MS]\n");
+               "         [--sprt ELO0 ELO1] [--seed S] [--margin MS] [--plies N]\n");
 }
 
 // Display names: as given, else the engine's "id name", else the command;
@@ -466,6 +468,11 @@ bool ParseMatchArgs(const Args& args, MatchSettings& s, std::string& error) {
       if (!parse_int(*v, 0, INT64_MAX, n)) return error = "--seed needs a non-negative number, not '" + *v + "'", false;
       s.seed = uint64_t(n);
       s.shuffle = true;
+    } else if (a == "--plies") {
+      const std::string* v = value();
+      if (!v) return false;
+      if (!parse_int(*v, 0, 1000, n)) return error = "--plies needs a number from 0 to 1000, not '" + *v + "'", false;
+      s.opening_plies = int(n);
     } else if (a == "--margin") {
       const std::string* v = value();
       if (!v) return false;
@@ -488,10 +495,31 @@ std::string DefaultOpeningsPath() {
   return (slash == std::string::npos ? std::string(".") : source.substr(0, slash)) + "/openings.epd";
 }
 
-bool ReadOpeningFile(const std::string& path, std::vector<std::string>& fens, std::string& error) {
-  std::ifstream in(path);
-  if (!in) return error = "cannot read opening file '" + path + "'", false;
-  fens.clear();
+namespace {
+
+bool ends_with_pgn(const std::string& path) {
+  if (path.size() < 4) return false;
+  std::string tail = path.substr(path.size() - 4);
+  for (char& c : tail) c = char(std::tolower(static_cast<unsigned char>(c)));
+  return tail == ".pgn";
+}
+
+bool read_pgn_openings(const std::string& path, std::ifstream& in, int plies, std::vector<std::string>& fens,
+                       std::string& error) {
+  std::vector<PgnGame> games;
+  if (!ReadPgn(in, games, error)) return error = path + ": " + error, false;
+  Game game;
+  for (const PgnGame& g : games) {
+    if (!StartGame(game, g.fen)) continue;
+    for (size_t i = 0; i < g.moves.size() && int(i) < plies; ++i) PlayMove(game, g.moves[i]);
+    if (Adjudicate(game).result != GameResult::NONE) continue;
+    fens.push_back(PositionFen(game.pos, game.halfmove_clock, CurrentFullmove(game)));
+  }
+  return true;
+}
+
+bool read_fen_openings(const std::string& path, std::ifstream& in, std::vector<std::string>& fens,
+                       std::string& error) {
   std::string line;
   for (int number = 1; std::getline(in, line); ++number) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
@@ -503,6 +531,18 @@ bool ReadOpeningFile(const std::string& path, std::vector<std::string>& fens, st
     }
     fens.push_back(normalized_fen(line));
   }
+  return true;
+}
+
+}  // namespace
+
+bool ReadOpeningFile(const std::string& path, int plies, std::vector<std::string>& fens, std::string& error) {
+  std::ifstream in(path);
+  if (!in) return error = "cannot read opening file '" + path + "'", false;
+  fens.clear();
+  const bool ok = ends_with_pgn(path) ? read_pgn_openings(path, in, plies, fens, error)
+                                      : read_fen_openings(path, in, fens, error);
+  if (!ok) return false;
   if (fens.empty()) return error = "opening file '" + path + "' holds no positions", false;
   return true;
 }
@@ -511,11 +551,11 @@ int RunMatch(const MatchSettings& s) {
   MatchState st{s};
   std::string error;
   if (!s.openings_path.empty()) {
-    if (!ReadOpeningFile(s.openings_path, st.openings, error)) {
+    if (!ReadOpeningFile(s.openings_path, s.opening_plies, st.openings, error)) {
       std::fprintf(stderr, "match: %s\n", error.c_str());
       return 2;
     }
-  } else if (!ReadOpeningFile(DefaultOpeningsPath(), st.openings, error)) {
+  } else if (!ReadOpeningFile(DefaultOpeningsPath(), s.opening_plies, st.openings, error)) {
     std::printf("No opening set found (%s); every game starts from the initial position\n", error.c_str());
     st.openings.assign(1, START_FEN);
   }

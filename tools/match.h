@@ -19,6 +19,7 @@ struct MatchSettings {
   int64_t base_ms = 0, increment_ms = 0;
   std::string time_control;  // as given, for the PGN
   std::string openings_path;  // empty: the shipped set next to this source, else the start position
+  int opening_plies = 8;      // of each game of a PGN opening file
   int concurrency = 1;
   std::string pgn_path;
   bool use_sprt = false;
@@ -32,10 +33,13 @@ struct MatchSettings {
 bool ParseTimeControl(const std::string& text, int64_t& base_ms, int64_t& increment_ms);
 // Reads the options of the match command; false with a message on a usage error.
 bool ParseMatchArgs(const Args& args, MatchSettings& settings, std::string& error);
-// FEN lines of an opening file: blank lines and lines starting with '#' are
-// skipped, EPD operations after the four FEN fields dropped. False with
-// "FILE:LINE: what" on the first bad line.
-bool ReadOpeningFile(const std::string& path, std::vector<std::string>& fens, std::string& error);
+// Opening positions as FENs. From an EPD or FEN file (any name not ending in
+// ".pgn"): one per line, blank lines and lines starting with '#' skipped, EPD
+// operations after the four FEN fields dropped. From a PGN file: the position
+// after the first `plies` plies of each game (after all of a shorter game's
+// moves), games that end there left out. False with "FILE:LINE: what" on the
+// first bad line, or when the file yields no position.
+bool ReadOpeningFile(const std::string& path, int plies, std::vector<std::string>& fens, std::string& error);
 // The opening set shipped with the tool (tools/openings.epd of the source tree).
 std::string DefaultOpeningsPath();
 

@@ -54,3 +54,29 @@ std::string MoveSan(const Position& pos, Move m) {
 }
 
 }  // namespace vx::dev
+
+namespace vx::dev {
+
+namespace {
+
+// SAN without check, annotation and promotion "=" marks, castling with "O".
+std::string bare_san(const std::string& text) {
+  std::string s;
+  for (const char c : text)
+    if (c != '+' && c != '#' && c != '!' && c != '?' && c != '=') s += c == '0' ? 'O' : c;
+  return s;
+}
+
+}  // namespace
+
+Move ParseSan(const Position& pos, const std::string& text) {
+  const std::string wanted = bare_san(text);
+  if (wanted.empty()) return MOVE_NONE;
+  MoveList list;
+  GenerateLegal(pos, list);
+  for (Move m : list)
+    if (bare_san(MoveSan(pos, m)) == wanted) return m;
+  return MOVE_NONE;
+}
+
+}  // namespace vx::dev

@@ -13,3 +13,12 @@ namespace vx::dev {
 std::string MoveSan(const Position& pos, Move m);
 
 }  // namespace vx::dev
+
+namespace vx::dev {
+
+// The legal move whose SAN is the text, check marks, annotation marks
+// ("!", "?") and a missing "=" before a promotion piece ignored, "0-0" read
+// as "O-O"; MOVE_NONE when no legal move has it.
+Move ParseSan(const Position& pos, const std::string& text);
+
+}  // namespace vx::dev

@@ -161,6 +161,25 @@ class Match(unittest.TestCase):
                 self.assertEqual(r.returncode, 2, r.stdout + r.stderr)
                 self.assertIn(message, r.stderr)
 
+    def test_openings_from_the_first_plies_of_pgn_games(self):
+        # The two games of the first opening start after four plies of the
+        # first PGN game; a game over within four plies is left out.
+        openings = os.path.join(self.tmp.name, "openings.pgn")
+        Path(openings).write_text('[Event "a"]\n1. e4 e5 2. Nf3 {book} Nc6 3. Bb5 a6 1-0\n\n'
+                                  '[Event "b"]\n1. f3 e5 2. g4 Qh4# 0-1\n')
+        pgn = os.path.join(self.tmp.name, "from_pgn.pgn")
+        r = match("--engine", ENGINE, "--engine", ENGINE, "--games", "2", "--tc", "0.2+0.02",
+                  "--openings", openings, "--plies", "4", "--pgn", pgn)
+        self.assertEqual(r.returncode, 0, r.stderr)
+        self.assertIn("1 openings", r.stdout)
+        fens = [t["FEN"] for t, _ in pgn_games(Path(pgn).read_text())]
+        self.assertEqual(fens, ["r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq - 2 3"] * 2)
+
+        Path(openings).write_text("1. e4 e5 2. Ke3\n")
+        r = match("--engine", ENGINE, "--engine", ENGINE, "--games", "2", "--tc", "1+0.1", "--openings", openings)
+        self.assertEqual(r.returncode, 2)
+        self.assertIn("openings.pgn: line 1: no legal move 'Ke3'", r.stderr)
+
     def test_shipped_opening_set(self):
         lines = [l for l in OPENINGS.read_text().splitlines() if l.strip() and not l.lstrip().startswith("#")]
         self.assertGreaterEqual(len(lines), 100)

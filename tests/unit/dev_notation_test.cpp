@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <sstream>
 
 #include "test_util.h"
 #include "tools/fen.h"
+#include "tools/pgn_reader.h"
 #include "tools/san.h"
 
 namespace vx::dev {
@@ -37,7 +39,15 @@ TEST(DevNotation, SanOfMoves) {
   for (const auto& c : cases) {
     const Position pos = test::from_fen(c.fen);
     EXPECT_EQ(MoveSan(pos, test::move_of(pos, c.move)), c.san) << c.fen << " " << c.move;
+    EXPECT_EQ(ParseSan(pos, c.san), test::move_of(pos, c.move)) << c.san;
   }
+  // What other programs write: no "=", zeros for castling, annotations.
+  const Position castle = test::from_fen("r3k2r/8/8/8/8/8/8/R3K2R w KQkq - 0 1");
+  EXPECT_EQ(ParseSan(castle, "0-0-0!?"), test::move_of(castle, "e1c1"));
+  const Position promo = test::from_fen("4k3/1P6/8/8/8/8/8/4K3 w - - 0 1");
+  EXPECT_EQ(ParseSan(promo, "b8Q"), test::move_of(promo, "b7b8q"));
+  EXPECT_EQ(ParseSan(promo, "b8=K"), MOVE_NONE);
+  EXPECT_EQ(ParseSan(promo, ""), MOVE_NONE);
 }
 
 // Along random games every legal move must get its own SAN (too little
@@ -46,9 +56,39 @@ TEST(DevNotation, SanNamesEveryLegalMoveApart) {
   test::random_walks({test::START_FEN, test::KIWIPETE, "1rqbkrbn/1ppppp1p/1n6/p1N3p1/8/2P4P/PP1PPPP1/1RQBKRBN w FBfb - 0 9"},
                      1, 200, 12345, [](const Position& pos, const MoveList& list) {
                        std::set<std::string> names;
-                       for (Move m : list) names.insert(MoveSan(pos, m));
+                       for (Move m : list) {
+                         names.insert(MoveSan(pos, m));
+                         ASSERT_EQ(ParseSan(pos, MoveSan(pos, m)), m);
+                       }
                        ASSERT_EQ(int(names.size()), list.size);
                      });
+}
+
+// PGN as people and other programs write it: tags, comments before and after
+// moves, variations, NAGs, "1..." numbers, two games, a missing result.
+TEST(DevNotation, PgnGamesReadBack) {
+  std::istringstream text(
+      "[Event \"x\"]\n[FEN \"4k3/8/8/8/8/8/4P3/4K3 b - - 0 1\"]\n\n"
+      "{opening} 1... Kd7 {+0.50/3 0.10s} 2. e4 $1 (2. e3 Kc6) Ke6 ; a remark\n3.Kd2 1/2-1/2\n\n"
+      "[Event \"y\"]\n1. e4 e5 2. Nf3 {-0.12/9} Nc6 *\n"
+      "[Event \"z\"]\n1. d4\n");
+  std::vector<PgnGame> games;
+  std::string error;
+  ASSERT_TRUE(ReadPgn(text, games, error)) << error;
+  ASSERT_EQ(games.size(), 3u);
+  EXPECT_EQ(games[0].fen, "4k3/8/8/8/8/8/4P3/4K3 b - - 0 1");
+  ASSERT_EQ(games[0].moves.size(), 4u);
+  EXPECT_EQ(move_text(games[0].moves[3]), "e1d2");
+  EXPECT_EQ(games[0].comments[0], "+0.50/3 0.10s");
+  EXPECT_EQ(games[0].comments[1], "");
+  EXPECT_EQ(games[0].result, "1/2-1/2");
+  EXPECT_EQ(games[1].comments[2], "-0.12/9");
+  EXPECT_EQ(games[1].result, "*");
+  EXPECT_EQ(games[2].moves.size(), 1u);
+
+  std::istringstream bad("1. e4 e5 2. Ke3\n");
+  EXPECT_FALSE(ReadPgn(bad, games, error));
+  EXPECT_EQ(error, "line 1: no legal move 'Ke3'");
 }
 
 TEST(DevNotation, FenWrittenBack) {
