@@ -15,5 +15,6 @@ int bench_command(const Args& args);
 int eval_command(const Args& args);
 int match_command(const Args& args);
 int openings_command(const Args& args);
+int wdl_fit_command(const Args& args);
 
 }  // namespace vx::dev

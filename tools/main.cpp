@@ -20,7 +20,8 @@ void usage() {
       "  match --engine CMD ... --engine CMD ... --games N --tc BASE+INC [...]\n"
       "                                             play a match between two UCI engines\n"
       "  openings --count N --plies P --engine CMD [...]\n"
-      "                                             make balanced opening positions");
+      "                                             make balanced opening positions\n"
+      "  wdl-fit [--holdout K] PGN...               fit the win/draw/loss model on match games");
 }
 
 }  // namespace
@@ -34,6 +35,7 @@ int main(int argc, char** argv) {
       {"eval", eval_command},
       {"match", match_command},
       {"openings", openings_command},
+      {"wdl-fit", wdl_fit_command},
   };
   if (argc < 2) {
     usage();

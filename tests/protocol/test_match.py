@@ -105,6 +105,11 @@ class Match(unittest.TestCase):
 
         games = pgn_games(Path(pgn).read_text())
         self.assertEqual(len(games), 4)
+        # The games' scores feed the win/draw/loss fit.
+        fit = subprocess.run([DEV, "wdl-fit", "--holdout", "2", pgn], capture_output=True, text=True, timeout=60)
+        self.assertEqual(fit.returncode, 0, fit.stderr)
+        self.assertRegex(fit.stdout, r"(?m)^4 games: \d+ positions fitted, \d+ held out \(every 2-th game\)$")
+        self.assertRegex(fit.stdout, r"(?m)^constexpr WdlModel WDL_MODEL = \{\{\S+, \S+, \S+, \S+\}, \{\S+, \S+, \S+, \S+\}\};$")
         for tags, movetext in games:
             for tag in ("Event", "Site", "Date", "Round", "White", "Black", "Result", "SetUp", "FEN",
                         "TimeControl", "Termination", "PlyCount"):
