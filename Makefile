@@ -46,7 +46,7 @@ test-tsan: all
 	cmake -S . -B build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVORLAXEN_TSAN=ON -DVORLAXEN_TESTS=OFF >/dev/null
 	cmake --build build-tsan -j $(JOBS) --target vorlaxen
 	rm -f build-tsan/race.*
-	TSAN_OPTIONS="suppressions=$(CURDIR)/tests/tsan.supp log_path=$(CURDIR)/build-tsan/race" VORLAXEN_TIME_SCALE=40 \
+	TSAN_OPTIONS="suppressions=$(CURDIR)/tests/tsan.supp log_path=$(CURDIR)/build-tsan/race" VORLAXEN_TIME_SCALE=40 VORLAXEN_SANITIZER=thread \
 	  python3 tests/protocol/test_threads.py build-tsan/vorlaxen build/vorlaxen-dev
 	@if ls build-tsan/race.* >/dev/null 2>&1; then cat build-tsan/race.*; echo "ThreadSanitizer reported races"; exit 1; fi
 	@echo "ThreadSanitizer: no race outside the table entries"

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "engine/output.h"
 #include "eval/material.h"
 #include "eval/pawns.h"
 #include "platform/platform.h"
@@ -86,13 +87,26 @@ void ThreadPool::SetThreadCount(size_t count) {
   }
   if (threads.empty()) return;
   threads.erase(threads.begin() + 1, threads.end());
-  while (helpers_.size() < wanted) {
-    const int32_t index = int32_t(helpers_.size() + 1);
+  while (helpers_.size() < wanted && AddHelper()) {
+  }
+  for (auto& h : helpers_) threads.push_back(&h->thread);
+}
+
+// A helper that cannot be had (no memory, or the system refuses another
+// thread) is reported, and the pool stays as large as it could be made.
+bool ThreadPool::AddHelper() {
+  const int32_t index = int32_t(helpers_.size() + 1);
+  try {
     helpers_.push_back(std::make_unique<HelperThread>(index, main().table, &threads, main_position()));
     HelperThread& h = *helpers_.back();
     h.worker = std::thread([this, &h, g = generation_] { HelperLoop(h, g); });
+    return true;
+  } catch (const std::exception&) {
+    if (helpers_.size() == size_t(index)) helpers_.pop_back();
+    WriteLine("info string Could not start search thread " + std::to_string(index + 1) + "; searching with " +
+              std::to_string(index) + " threads");
+    return false;
   }
-  for (auto& h : helpers_) threads.push_back(&h->thread);
 }
 
 void ThreadPool::HelperLoop(HelperThread& helper, uint64_t generation) {

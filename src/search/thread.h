@@ -164,6 +164,7 @@ class ThreadPool {
   void ExecuteNextCommand();
 
  private:
+  bool AddHelper();
   void HelperLoop(HelperThread& helper, uint64_t generation);
 
   std::vector<std::unique_ptr<HelperThread>> helpers_;

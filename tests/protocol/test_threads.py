@@ -7,6 +7,7 @@ Run with an engine path (and the developer tool's); `make test-tsan` runs this
 file against a ThreadSanitizer build, so every wait allows for a slow engine."""
 import os
 import re
+import subprocess
 import sys
 import time
 import unittest
@@ -22,6 +23,8 @@ TIMEOUT = 120.0
 # ThreadSanitizer build polls its input just as often, in nodes, but searches
 # far fewer of them per second).
 TIME_SCALE = float(os.environ.get("VORLAXEN_TIME_SCALE", "1"))
+# A sanitizer's runtime needs far more address space than the engine.
+SANITIZED = bool(os.environ.get("VORLAXEN_SANITIZER"))
 MIDGAME = "position fen r1bq1rk1/pp2bppp/2n1pn2/2pp4/3P4/2PBPN2/PP1N1PPP/R2QK2R w KQ - 0 8"
 
 
@@ -144,6 +147,20 @@ class Output(ThreadsTestCase):
         self.assertTrue(all(0 <= h <= 1000 for h in hashfull))
         self.set_threads(1)
         self.search("position startpos", "go depth 6")
+
+
+    @unittest.skipIf(SANITIZED, "the sanitizer runtime cannot run in a small address space")
+    def test_threads_that_cannot_be_had_are_reported_and_the_rest_search(self):
+        # 600 MB of address space hold 64 MB of table and a few dozen helpers,
+        # far from the 1023 asked for.
+        r = subprocess.run(["sh", "-c", 'ulimit -v 600000; exec "$0"', ENGINE], capture_output=True, text=True,
+                           input="setoption name Threads value 1024\nisready\nposition startpos\ngo depth 8\nquit\n",
+                           timeout=TIMEOUT)
+        self.assertEqual(r.returncode, 0, r.stdout)
+        m = re.search(r"^info string Could not start search thread (\d+); searching with (\d+) threads$", r.stdout, re.M)
+        self.assertIsNotNone(m, r.stdout)
+        self.assertEqual(int(m.group(1)), int(m.group(2)) + 1)
+        self.assertRegex(r.stdout, r"(?m)^bestmove [a-h][1-8][a-h][1-8]")
 
 
 class Legality(unittest.TestCase):
