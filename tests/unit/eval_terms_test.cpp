@@ -55,6 +55,21 @@ TEST_F(EvalTermsTest, GroupValuesOfWorkedPositions) {
   }
 }
 
+// A king's safety is about that king: the queen and rook bearing on White's
+// castled king cost White the same wherever the black king stands, as long as
+// it stays on its own wing; the attack itself does cost White.
+TEST_F(EvalTermsTest, KingSafetyReadsTheKingUnderAttack) {
+  auto white_king_safety = [&](const char* fen) {
+    EvalTrace t;
+    trace(test::from_fen(fen), t);
+    return t.rows[GROUP_KING_SAFETY].white;
+  };
+  const ValuePair attacked = white_king_safety("k7/pp6/8/2q5/8/7r/5PPP/R5K1 w - - 0 1");
+  EXPECT_LT(mg_value(attacked), mg_value(white_king_safety("k7/pp6/8/8/8/8/5PPP/R5K1 w - - 0 1")));
+  for (const char* elsewhere : {"1k6/pp6/8/2q5/8/7r/5PPP/R5K1 w - - 0 1", "8/ppk5/8/2q5/8/7r/5PPP/R5K1 w - - 0 1"})
+    EXPECT_EQ(white_king_safety(elsewhere), attacked) << elsewhere;
+}
+
 TEST_F(EvalTermsTest, BishopLinesAndPins) {
   // Bishop b5 pins the knight on c6: the knight becomes a blocker of the black king.
   AttackInfo pin{};

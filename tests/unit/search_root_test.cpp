@@ -82,5 +82,19 @@ TEST_F(SearchFixture, MateDistancePruningCollapsesTheWindow) {
   EXPECT_EQ(state->nodes, before + 1);  // no move searched
 }
 
+// The trebuchet: each king guards its own pawn and attacks the other's, and
+// whoever is to move must let his pawn go and loses. Passing is no move, so
+// a side with only king and pawns must not prune by a null move here: the
+// side to move is lost, and no window above a lost score may fail high.
+TEST_F(SearchFixture, ZugzwangWithKingAndPawnsIsNotPrunedByPassing) {
+  for (const char* fen : {"8/8/8/1Kp5/2Pk4/8/8/8 w - - 0 1", "8/8/8/1Kp5/2Pk4/8/8/8 b - - 0 1"}) {
+    position.SetFromFen(fen);
+    const Value v = position.side_to_move == WHITE
+                        ? Search<true, false, WHITE, false, NORMAL, false>(*state, position, Node(1), -257, -256, 40, true)
+                        : Search<true, false, BLACK, false, NORMAL, false>(*state, position, Node(1), -257, -256, 40, true);
+    EXPECT_LT(v, -256) << fen;
+  }
+}
+
 }  // namespace
 }  // namespace vx

@@ -26,6 +26,10 @@ TEST(See, ExchangesOnHandBuiltPositions) {
       {"4k3/8/1n6/3r4/8/8/8/3Q2K1 w - - 0 1", "d1d5", false},
       {"4k3/8/8/3r4/8/8/8/3Q2K1 w - - 0 1", "d1d5", true},
       {"4k3/8/4p3/3q4/8/8/8/3R2K1 w - - 0 1", "d1d5", true},
+      // Equal trades onto a defended square: the exchange variation of the
+      // Ruy Lopez (Bxc6, dxc6), and a rook for a rook guarded by a rook.
+      {"r1bqkbnr/1ppp1ppp/p1n5/1B2p3/4P3/5N2/PPPP1PPP/RNBQK2R w KQkq - 0 4", "b5c6", true},
+      {"3r2k1/3r4/8/8/8/8/3R4/6K1 w - - 0 1", "d2d7", true},
       // A quiet move onto a guarded square.
       {"4k3/8/4p3/8/8/2N5/8/6K1 w - - 0 1", "c3d5", false},
       {"4k3/8/8/8/8/2N5/8/6K1 w - - 0 1", "c3d5", true},

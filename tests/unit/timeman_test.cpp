@@ -39,6 +39,9 @@ TEST(AllocateTime, TargetAndMaximum) {
       {clock_limits(500), test::START_FEN, {}, {10, 20}},                // below the buffer: the floors
       {black_only, test::START_FEN, {}, {10, 20}},
       {clock_limits(300000, 0, 40), test::START_FEN, {}, {5695, 71190}},
+      // A repeating control with increment: 9/10 of the increment joins the
+      // share of the remaining time, (299000 / 42 + 1800) * 0.8.
+      {clock_limits(300000, 2000, 40), test::START_FEN, {}, {7135, 89190}},
       {clock_limits(60000), KINGS_ONLY, {}, {1557, 19470}},              // less material, more time
       // The Ponder, Time Buffer and Time Usage Percent options.
       {clock_limits(60000), test::START_FEN, ponder, {1297, 19470}},
