@@ -175,7 +175,11 @@ class Bench(unittest.TestCase):
         self.assertEqual(lines[-4], "")
         self.assertRegex(lines[-3], r"^Total time \(ms\) : \d+$")
         # Pinned like the signature of the full bench: it moves only with search or evaluation changes.
-        self.assertEqual(lines[-2], "Nodes searched  : 282069")
+        # `make mutate` switches the pin off (VORLAXEN_NO_PINNED_TOTALS), so that a fault must be
+        # caught by a test of the behaviour it breaks.
+        if not os.environ.get("VORLAXEN_NO_PINNED_TOTALS"):
+            self.assertEqual(lines[-2], "Nodes searched  : 282069")
+        self.assertRegex(lines[-2], r"^Nodes searched  : \d+$")
         self.assertRegex(lines[-1], r"^Nodes/second    : \d+$")
         # The depth offset applies to every position: the first (16 plies) searches 6.
         first = lines[:next(i for i, l in enumerate(lines) if is_bestmove(l))]
