@@ -64,7 +64,7 @@ constexpr BenchEntry BENCH_POSITIONS[] = {
 
 }  // namespace
 
-void RunBench(ThreadPool& pool, int offset) {
+void RunBench(ThreadPool& pool, int offset, bool helpers) {
   pool.main().table->clear();
   const int64_t start = Clock();
   uint64_t total = 0;
@@ -79,7 +79,7 @@ void RunBench(ThreadPool& pool, int offset) {
     MoveList legal;
     GenerateLegal(pool.main_position(), legal);
     std::vector<Move> moves(legal.begin(), legal.end());
-    LaunchSearch(pool, MOVE_NONE, MOVE_NONE, moves, false);
+    LaunchSearch(pool, MOVE_NONE, MOVE_NONE, moves, helpers);
     total += pool.nodes();
   }
   const int64_t elapsed = Clock() - start + 1;

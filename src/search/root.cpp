@@ -32,7 +32,6 @@ void DeleteRootState(RootState* root) { delete root; }
 
 namespace {
 
-
 int RecordBound(Value v, Value alpha, Value beta) {
   return v >= beta ? PV_LOWER_BOUND : v > alpha ? PV_EXACT : PV_UPPER_BOUND;
 }
@@ -48,8 +47,8 @@ int Seldepth(const RootState& root, const SearchStack* root_entry) {
 
 // Depth, time, score, bound and counters of the current record.
 void RefreshRecord(SearchState& st, const SearchStack* ss, int depth, Value score, int bound) {
-  const RootState& root = *st.root;
-  PvRecord& r = st.root->current;
+  RootState& root = *st.root;
+  PvRecord& r = root.current;
   r.depth = depth;
   r.seldepth = Seldepth(root, ss);
   r.time = ElapsedMs(st);

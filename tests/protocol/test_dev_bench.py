@@ -41,8 +41,16 @@ class DevBench(unittest.TestCase):
         self.assertRegex(lines[-2], r"^Nodes searched  : \d+$")
         self.assertRegex(lines[-1], r"^Nodes/second    : \d+$")
 
+    def test_threads_search_every_position_to_its_depth(self):
+        # Helpers beside the main thread: every position still reaches its
+        # depth (its last iteration summary) and is answered once.
+        r = bench("--threads", "3", "-10")
+        self.assertEqual(r.returncode, 0, r.stderr)
+        self.assertEqual(len(per_position(r.stdout)), 35)
+        self.assertRegex(r.stdout.splitlines()[-2], r"^Nodes searched  : \d+$")
+
     def test_bad_arguments(self):
-        for args in (["x"], ["--fast"], ["99"]):
+        for args in (["x"], ["--fast"], ["99"], ["--threads", "0"], ["--threads", "1025"], ["--threads"]):
             r = bench(*args)
             self.assertEqual(r.returncode, 2, args)
 
