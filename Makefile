@@ -1,5 +1,7 @@
 # Convenience front end to CMake.
-#   make        build build/vorlaxen, build/vorlaxen-dev and build/vorlaxen-tbgen (Release)
+#   make        build build/vorlaxen, build/vorlaxen-dev and build/vorlaxen-tbgen (Release,
+#               profile-guided where the compiler can do it)
+#   make EXE=<path> CXX=<compiler>   build only the engine, with that compiler, to <path>
 #   make run    build and start the engine on this terminal
 #   make bases  generate every 3- and 4-men Vorlaxenbases file into vorlaxenbases/
 #   make test   build, run every test, then the unit tests under ASan+UBSan,
@@ -11,11 +13,37 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 60
 FUZZ_CXX := $(shell command -v clang++-14 2>/dev/null || command -v clang++ 2>/dev/null)
 
-.PHONY: all run bases test test-release test-sanitize test-fuzz-smoke fuzz fuzz-build test-tables clean
+# CXX on the command line or in the environment chooses the compiler; make's
+# own default leaves the choice to CMake.
+COMPILER := $(if $(filter default,$(origin CXX)),,-DCMAKE_CXX_COMPILER=$(CXX))
+PGO_CXX := $(if $(filter default,$(origin CXX)),$(shell command -v c++ || command -v g++),$(CXX))
+# The profile-guided build needs GCC's -fprofile-prefix-path (GCC 11 and later);
+# any other compiler gets the plain build.
+PGO := $(shell echo 'int main() { return 0; }' | $(PGO_CXX) -x c++ -fprofile-generate=/tmp/vorlaxen-pgo-probe \
+          -fprofile-prefix-path=/tmp - -o /dev/null 2>/dev/null && echo yes)
+# The training run: the engine's own benchmark, two plies shallower than the
+# signature run so the build stays short.
+PGO_TRAIN := bench -2
+TARGET := $(if $(EXE),--target vorlaxen)
 
-all:
-	cmake -S . -B build -DCMAKE_BUILD_TYPE=Release >/dev/null
-	cmake --build build -j $(JOBS)
+.PHONY: all profile run bases test test-release test-sanitize test-fuzz-smoke fuzz fuzz-build test-tables clean
+
+all: $(if $(PGO),profile)
+	cmake -S . -B build -DCMAKE_BUILD_TYPE=Release $(COMPILER) \
+	  -DVORLAXEN_PGO=$(if $(PGO),USE) -DVORLAXEN_PGO_DIR=$(CURDIR)/build-pgo/profile >/dev/null
+	cmake --build build -j $(JOBS) $(TARGET)
+	$(if $(EXE),cp build/vorlaxen $(EXE))
+
+# The instrumented engine in build-pgo; its training run is repeated only when
+# the instrumented binary has changed since the last one.
+profile:
+	cmake -S . -B build-pgo -DCMAKE_BUILD_TYPE=Release $(COMPILER) -DVORLAXEN_TESTS=OFF \
+	  -DVORLAXEN_PGO=GENERATE -DVORLAXEN_PGO_DIR=$(CURDIR)/build-pgo/profile >/dev/null
+	cmake --build build-pgo -j $(JOBS) --target vorlaxen
+	@if [ ! -f build-pgo/profile/trained ] || [ build-pgo/vorlaxen -nt build-pgo/profile/trained ]; then \
+	  echo "training run: build-pgo/vorlaxen $(PGO_TRAIN)"; \
+	  rm -rf build-pgo/profile && build-pgo/vorlaxen $(PGO_TRAIN) >/dev/null && touch build-pgo/profile/trained; \
+	fi
 
 # Making the 3- and 4-men bases takes about two minutes on two cores, so
 # "run" only points at them when they are missing.
@@ -55,4 +83,4 @@ test-tables: all
 	JOBS=$(JOBS) tests/tables/run
 
 clean:
-	rm -rf build build-sanitize build-fuzz
+	rm -rf build build-pgo build-sanitize build-fuzz
