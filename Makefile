@@ -13,13 +13,14 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 60
 FUZZ_CXX := $(shell command -v clang++-14 2>/dev/null || command -v clang++ 2>/dev/null)
 
-# CXX on the command line or in the environment chooses the compiler; make's
-# own default leaves the choice to CMake.
-COMPILER := $(if $(filter default,$(origin CXX)),,-DCMAKE_CXX_COMPILER=$(CXX))
-PGO_CXX := $(if $(filter default,$(origin CXX)),$(shell command -v c++ || command -v g++),$(CXX))
+# CXX on the command line or in the environment chooses the compiler, else the
+# system's c++. It is passed on every time, so that a plain "make" after a
+# "make CXX=..." goes back to the default compiler.
+BUILD_CXX := $(if $(filter default,$(origin CXX)),$(shell command -v c++ || command -v g++),$(CXX))
+COMPILER := $(if $(BUILD_CXX),-DCMAKE_CXX_COMPILER=$(BUILD_CXX))
 # The profile-guided build needs GCC's -fprofile-prefix-path (GCC 11 and later);
 # any other compiler gets the plain build.
-PGO := $(shell echo 'int main() { return 0; }' | $(PGO_CXX) -x c++ -fprofile-generate=/tmp/vorlaxen-pgo-probe \
+PGO := $(shell echo 'int main() { return 0; }' | $(BUILD_CXX) -x c++ -fprofile-generate=/tmp/vorlaxen-pgo-probe \
           -fprofile-prefix-path=/tmp - -o /dev/null 2>/dev/null && echo yes)
 # The training run: the engine's own benchmark, two plies shallower than the
 # signature run so the build stays short.
