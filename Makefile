@@ -16,8 +16,7 @@ FUZZ_CXX := $(shell command -v clang++-14 2>/dev/null || command -v clang++ 2>/d
 # CXX on the command line or in the environment chooses the compiler, else the
 # system's c++. It is passed on every time, so that a plain "make" after a
 # "make CXX=..." goes back to the default compiler.
-BUILD_CXX := $(if $(filter default,$(origin CXX)),$(shell command -v c++ || command -v g++),$(CXX))
-COMPILER := $(if $(BUILD_CXX),-DCMAKE_CXX_COMPILER=$(BUILD_CXX))
+BUILD_CXX := $(shell command -v $(if $(filter default,$(origin CXX)),c++,$(CXX)))
 # The profile-guided build needs GCC's -fprofile-prefix-path (GCC 11 and later);
 # any other compiler gets the plain build.
 PGO := $(shell echo 'int main() { return 0; }' | $(BUILD_CXX) -x c++ -fprofile-generate=/tmp/vorlaxen-pgo-probe \
@@ -29,17 +28,24 @@ TARGET := $(if $(EXE),--target vorlaxen)
 
 .PHONY: all profile run bases test test-release test-sanitize test-fuzz-smoke fuzz fuzz-build test-tables clean
 
+# Configures build directory $(1) for Release with the chosen compiler and the
+# options $(2). CMake forgets the options given together with a new compiler,
+# so a cache made with another compiler is removed first.
+define configure
+	@if [ -f $(1)/CMakeCache.txt ] && ! grep -q '^CMAKE_CXX_COMPILER:[A-Z]*=$(BUILD_CXX)$$' $(1)/CMakeCache.txt; then \
+	  rm -rf $(1)/CMakeCache.txt $(1)/CMakeFiles; fi
+	cmake -S . -B $(1) -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=$(BUILD_CXX) $(2) >/dev/null
+endef
+
 all: $(if $(PGO),profile)
-	cmake -S . -B build -DCMAKE_BUILD_TYPE=Release $(COMPILER) \
-	  -DVORLAXEN_PGO=$(if $(PGO),USE) -DVORLAXEN_PGO_DIR=$(CURDIR)/build-pgo/profile >/dev/null
+	$(call configure,build,-DVORLAXEN_PGO=$(if $(PGO),USE) -DVORLAXEN_PGO_DIR=$(CURDIR)/build-pgo/profile)
 	cmake --build build -j $(JOBS) $(TARGET)
 	$(if $(EXE),cp build/vorlaxen $(EXE))
 
 # The instrumented engine in build-pgo; its training run is repeated only when
 # the instrumented binary has changed since the last one.
 profile:
-	cmake -S . -B build-pgo -DCMAKE_BUILD_TYPE=Release $(COMPILER) -DVORLAXEN_TESTS=OFF \
-	  -DVORLAXEN_PGO=GENERATE -DVORLAXEN_PGO_DIR=$(CURDIR)/build-pgo/profile >/dev/null
+	$(call configure,build-pgo,-DVORLAXEN_TESTS=OFF -DVORLAXEN_PGO=GENERATE -DVORLAXEN_PGO_DIR=$(CURDIR)/build-pgo/profile)
 	cmake --build build-pgo -j $(JOBS) --target vorlaxen
 	@if [ ! -f build-pgo/profile/trained ] || [ build-pgo/vorlaxen -nt build-pgo/profile/trained ]; then \
 	  echo "training run: build-pgo/vorlaxen $(PGO_TRAIN)"; \
