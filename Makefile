@@ -26,7 +26,7 @@ PGO := $(shell echo 'int main() { return 0; }' | $(BUILD_CXX) -x c++ -fprofile-g
 PGO_TRAIN := bench -2
 TARGET := $(if $(EXE),--target vorlaxen)
 
-.PHONY: all profile run bases test test-release test-sanitize test-fuzz-smoke fuzz fuzz-build test-tables clean
+.PHONY: all run bases test test-release test-sanitize test-fuzz-smoke fuzz fuzz-build test-tables clean
 
 # Configures build directory $(1) for Release with the chosen compiler and the
 # options $(2). CMake forgets the options given together with a new compiler,
@@ -38,18 +38,19 @@ define configure
 endef
 
 all: $(if $(PGO),profile)
-	$(call configure,build,-DVORLAXEN_PGO=$(if $(PGO),USE) -DVORLAXEN_PGO_DIR=$(CURDIR)/build-pgo/profile)
+	$(call configure,build,-DVORLAXEN_PGO=$(if $(PGO),USE) -DVORLAXEN_PGO_DIR=$(CURDIR)/build/pgo/profile)
 	cmake --build build -j $(JOBS) $(TARGET)
 	$(if $(EXE),cp build/vorlaxen $(EXE))
 
-# The instrumented engine in build-pgo; its training run is repeated only when
+# The instrumented engine in build/pgo; its training run is repeated only when
 # the instrumented binary has changed since the last one.
+.PHONY: profile
 profile:
-	$(call configure,build-pgo,-DVORLAXEN_TESTS=OFF -DVORLAXEN_PGO=GENERATE -DVORLAXEN_PGO_DIR=$(CURDIR)/build-pgo/profile)
-	cmake --build build-pgo -j $(JOBS) --target vorlaxen
-	@if [ ! -f build-pgo/profile/trained ] || [ build-pgo/vorlaxen -nt build-pgo/profile/trained ]; then \
-	  echo "training run: build-pgo/vorlaxen $(PGO_TRAIN)"; \
-	  rm -rf build-pgo/profile && build-pgo/vorlaxen $(PGO_TRAIN) >/dev/null && touch build-pgo/profile/trained; \
+	$(call configure,build/pgo,-DVORLAXEN_TESTS=OFF -DVORLAXEN_PGO=GENERATE -DVORLAXEN_PGO_DIR=$(CURDIR)/build/pgo/profile)
+	cmake --build build/pgo -j $(JOBS) --target vorlaxen
+	@if [ ! -f build/pgo/profile/trained ] || [ build/pgo/vorlaxen -nt build/pgo/profile/trained ]; then \
+	  echo "training run: build/pgo/vorlaxen $(PGO_TRAIN)"; \
+	  rm -rf build/pgo/profile && build/pgo/vorlaxen $(PGO_TRAIN) >/dev/null && touch build/pgo/profile/trained; \
 	fi
 
 # Making the 3- and 4-men bases takes about two minutes on two cores, so
@@ -90,4 +91,4 @@ test-tables: all
 	JOBS=$(JOBS) tests/tables/run
 
 clean:
-	rm -rf build build-pgo build-sanitize build-fuzz
+	rm -rf build build-sanitize build-fuzz
