@@ -1,5 +1,7 @@
 # Convenience front end to CMake.
-#   make        build build/vorlaxen, build/vorlaxen-dev and build/vorlaxen-tbgen (Release)
+#   make        build build/vorlaxen, build/vorlaxen-dev and build/vorlaxen-tbgen (Release,
+#               profile-guided where the compiler can do it)
+#   make EXE=<path> CXX=<compiler>   build only the engine, with that compiler, to <path>
 #   make run    build and start the engine on this terminal
 #   make bases  generate every 3- and 4-men Vorlaxenbases file into vorlaxenbases/
 #   make test   build, run every test, then the unit tests under ASan+UBSan,
@@ -13,11 +15,45 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 60
 FUZZ_CXX := $(shell command -v clang++-14 2>/dev/null || command -v clang++ 2>/dev/null)
 
+# CXX on the command line or in the environment chooses the compiler, else the
+# system's c++. It is passed on every time, so that a plain "make" after a
+# "make CXX=..." goes back to the default compiler.
+BUILD_CXX := $(shell command -v $(if $(filter default,$(origin CXX)),c++,$(CXX)))
+# The profile-guided build needs GCC's -fprofile-prefix-path (GCC 11 and later);
+# any other compiler gets the plain build.
+PGO := $(shell echo 'int main() { return 0; }' | $(BUILD_CXX) -x c++ -fprofile-generate=/tmp/vorlaxen-pgo-probe \
+          -fprofile-prefix-path=/tmp - -o /dev/null 2>/dev/null && echo yes)
+# The training run: the engine's own benchmark, two plies shallower than the
+# signature run so the build stays short.
+PGO_TRAIN := bench -2
+TARGET := $(if $(EXE),--target vorlaxen)
+
 .PHONY: all run bases test test-release test-sanitize test-tsan test-fuzz-smoke fuzz fuzz-build test-tables clean
 
-all:
-	cmake -S . -B build -DCMAKE_BUILD_TYPE=Release >/dev/null
-	cmake --build build -j $(JOBS)
+# Configures build directory $(1) for Release with the chosen compiler and the
+# options $(2). CMake forgets the options given together with a new compiler,
+# so a cache made with another compiler is removed first.
+define configure
+	@if [ -f $(1)/CMakeCache.txt ] && ! grep -q '^CMAKE_CXX_COMPILER:[A-Z]*=$(BUILD_CXX)$$' $(1)/CMakeCache.txt; then \
+	  rm -rf $(1)/CMakeCache.txt $(1)/CMakeFiles; fi
+	cmake -S . -B $(1) -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=$(BUILD_CXX) $(2) >/dev/null
+endef
+
+all: $(if $(PGO),profile)
+	$(call configure,build,-DVORLAXEN_PGO=$(if $(PGO),USE) -DVORLAXEN_PGO_DIR=$(CURDIR)/build/pgo/profile)
+	cmake --build build -j $(JOBS) $(TARGET)
+	$(if $(EXE),cp build/vorlaxen $(EXE))
+
+# The instrumented engine in build/pgo; its training run is repeated only when
+# the instrumented binary has changed since the last one.
+.PHONY: profile
+profile:
+	$(call configure,build/pgo,-DVORLAXEN_TESTS=OFF -DVORLAXEN_PGO=GENERATE -DVORLAXEN_PGO_DIR=$(CURDIR)/build/pgo/profile)
+	cmake --build build/pgo -j $(JOBS) --target vorlaxen
+	@if [ ! -f build/pgo/profile/trained ] || [ build/pgo/vorlaxen -nt build/pgo/profile/trained ]; then \
+	  echo "training run: build/pgo/vorlaxen $(PGO_TRAIN)"; \
+	  rm -rf build/pgo/profile && build/pgo/vorlaxen $(PGO_TRAIN) >/dev/null && touch build/pgo/profile/trained; \
+	fi
 
 # Making the 3- and 4-men bases takes about two minutes on two cores, so
 # "run" only points at them when they are missing.

@@ -82,6 +82,7 @@ Value QSearch(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Valu
       continue;
     }
 
+    st.table->prefetch(pos.KeyAfter(m));
     ss->current_move = m;
     pos.DoMove<Us>(m);
     const Value v = g ? -QSearch<HwPopcnt, Limited, Them, PvNode, true>(st, pos, ss + 1, -beta, -alpha, qdepth - 1)
