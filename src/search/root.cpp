@@ -24,7 +24,6 @@ struct RootState {
   SearchStack stack[SEARCH_STACK_SIZE];
   int multipv = 1;
   Value root_tb_score = VALUE_INFINITE;
-  int completed_depth = 0;  // depth of the last iteration that ended unstopped
 };
 
 RootState* NewRootState() { return new RootState(); }
@@ -307,12 +306,6 @@ bool WidenWindow(Window& w, Value v) {
   return true;
 }
 
-const PvRecord* RootLines(const SearchState& st, int& count, int& completed_depth) {
-  count = st.root->line_count;
-  completed_depth = st.root->completed_depth;
-  return st.root->lines;
-}
-
 // Helpers leave out some iterations so that they are not all working on the
 // same depth as the main thread: helper i skips blocks of SKIP_SIZE plies,
 // shifted by SKIP_PHASE plies, alternating search and skip.
@@ -338,7 +331,6 @@ void RootSearch(SearchState& st, Position& pos, Move prev, Move last, Value root
   root.multipv = OptionInt("MultiPV");
   root.root_tb_score = root_tb_score;
   root.line_count = 0;
-  root.completed_depth = 0;
   const int n = std::min(int(st.root_moves.size()), root.multipv);
   // At least one iteration, at most 100 plies, whatever depth was asked for.
   const int max_depth = 4 * std::clamp(st.limits.depth, 1, 100);
@@ -360,7 +352,6 @@ void RootSearch(SearchState& st, Position& pos, Move prev, Move last, Value root
       if (root.current.pv_length) InsertCurrentLine(st, n);
     }
     if (st.stop) break;
-    root.completed_depth = d;
     if (!main_thread) continue;
     const int32_t elapsed = ElapsedMs(st);
     PrintIterationSummary(elapsed, TotalNodes(st), TotalTbHits(st), TotalSbHits(st));
