@@ -50,6 +50,10 @@ TEST_F(EndgameTest, KpkUsesTheBitbase) {
   EXPECT_EQ(eval_fen("8/8/8/3p4/8/3k4/8/3K4 b - - 0 1"), 20 * (64 + 3));
   // Files e-h give the value of the mirrored position.
   EXPECT_EQ(eval_fen("7k/7P/8/5K2/8/8/8/8 b - - 0 1"), eval_fen("k7/P7/8/2K5/8/8/8/8 b - - 0 1"));
+  // The e-file too. King in front of its pawn on the fifth rank: the defender
+  // with the opposition holds (White to move), without it he loses.
+  EXPECT_EQ(eval_fen("8/4k3/8/4K3/4P3/8/8/8 w - - 0 1"), 1);
+  EXPECT_EQ(eval_fen("8/4k3/8/4K3/4P3/8/8/8 b - - 0 1"), -20 * (64 + 3));
 }
 
 TEST_F(EndgameTest, WrongBishopAndRookPawns) {
