@@ -82,6 +82,16 @@ TEST_F(SearchFixture, MateDistancePruningCollapsesTheWindow) {
   EXPECT_EQ(state->nodes, before + 1);  // no move searched
 }
 
+// A position that occurred before in the game counts as a draw when the
+// search reaches it again. A knight and king against queen, knight and king
+// is lost, but after 1.Nf3 Nc6 2.Nh4 Nb8 the knight can go back to f3 and
+// repeat the position after 1.Nf3.
+TEST_F(SearchFixture, ARepeatedGamePositionIsADraw) {
+  position.SetFromFen("1n2k3/2q5/8/8/8/8/8/K5N1 w - - 0 1");
+  for (const char* m : {"g1f3", "b8c6", "f3h4", "c6b8"}) position.ApplyGameMove(test::move_of(position, m));
+  EXPECT_EQ((Search<true, false, WHITE, true, NORMAL, false>(*state, position, Node(1), -32501, 32501, 8, false)), 0);
+}
+
 // The trebuchet: each king guards its own pawn and attacks the other's, and
 // whoever is to move must let his pawn go and loses. Passing is no move, so
 // a side with only king and pawns must not prune by a null move here: the
