@@ -1,37 +1,14 @@
 // Endgame functions: trivial draws, KPK through the bitbase, wrong bishop and rook pawns.
+// The bitbase itself is compared with the generator's KPK in bases_facts_test.
 #include <gtest/gtest.h>
 
 #include "eval/endgame.h"
-#include "eval/kpk.h"
 #include "eval_test_util.h"
 
 namespace vx {
 namespace {
 
 using EndgameTest = test::EvalTest;
-
-TEST(Kpk, BitbaseCountsAndKnownVerdicts) {
-  test::init();
-  InitKpk();
-  EXPECT_EQ(kpk_count(0), 62480);
-  EXPECT_EQ(kpk_count(1), 48802);
-  const struct {
-    Square strong_king, weak_king, pawn;
-    bool strong_to_move, win;
-  } cases[] = {
-      {SQ_C5, SQ_A8, SQ_A7, true, false},  // rook pawn, the defender in the corner
-      {SQ_C5, SQ_A8, SQ_A7, false, false},
-      {SQ_D6, SQ_D8, SQ_D4, true, true},  // king two ranks in front of its pawn
-      {SQ_D6, SQ_D8, SQ_D4, false, true},
-      {SQ_D5, SQ_D7, SQ_D4, true, false},  // opposition: only the side to move decides
-      {SQ_D5, SQ_D7, SQ_D4, false, true},
-      {SQ_A1, SQ_C4, SQ_B3, false, false},  // the defender takes the pawn
-      {SQ_A1, SQ_H1, SQ_B7, true, true},    // promotion that cannot be stopped
-  };
-  for (const auto& c : cases)
-    EXPECT_EQ(kpk_probe(c.strong_king, c.weak_king, c.pawn, c.strong_to_move), c.win)
-        << c.strong_king << " " << c.weak_king << " " << c.pawn << " " << c.strong_to_move;
-}
 
 TEST_F(EndgameTest, TrivialMaterialIsExactlyZero) {
   for (const char* placement : {"8/8/8/4k3/8/8/8/4K3", "8/8/8/4k3/8/8/8/3NKN2", "5b2/8/8/4k3/8/8/8/4K3"})
