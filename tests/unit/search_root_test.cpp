@@ -78,7 +78,8 @@ TEST_F(SearchFixture, StalemateScoresZero) {
 TEST_F(SearchFixture, MateDistancePruningCollapsesTheWindow) {
   position.SetFromFen("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1");
   const uint64_t before = state->nodes;
-  EXPECT_EQ((Search<true, false, WHITE, false, NORMAL, false>(*state, position, Node(5), 32495, 32501, 40, false)), 32495);
+  // Five plies from the root the best score left is a mate on the next ply, 32500 - 6.
+  EXPECT_EQ((Search<true, false, WHITE, false, NORMAL, false>(*state, position, Node(5), 32494, 32501, 40, false)), 32494);
   EXPECT_EQ(state->nodes, before + 1);  // no move searched
 }
 
