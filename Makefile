@@ -11,6 +11,9 @@
 #               build of the engine (races on table entries are expected)
 #   make test-tables  compare the Syzygy tables with the engine's own generator
 #               position by position (minutes; the first run also generates)
+#   make mutate plant each bug of tests/mutation/mutants.txt in a copy of the
+#               sources and report the test that catches it (long; MUTANTS=word
+#               runs only the mutants whose name contains the word)
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 60
 FUZZ_CXX := $(shell command -v clang++-14 2>/dev/null || command -v clang++ 2>/dev/null)
@@ -28,7 +31,7 @@ PGO := $(shell echo 'int main() { return 0; }' | $(BUILD_CXX) -x c++ -fprofile-g
 PGO_TRAIN := bench -2
 TARGET := $(if $(EXE),--target vorlaxen)
 
-.PHONY: all run bases test test-release test-sanitize test-tsan test-fuzz-smoke fuzz fuzz-build test-tables clean
+.PHONY: all run bases test test-release test-sanitize test-tsan test-fuzz-smoke fuzz fuzz-build test-tables mutate clean
 
 # Configures build directory $(1) for Release with the chosen compiler and the
 # options $(2). CMake forgets the options given together with a new compiler,
@@ -105,5 +108,8 @@ test-fuzz-smoke:
 test-tables: all
 	JOBS=$(JOBS) tests/tables/run
 
+mutate:
+	JOBS=$(JOBS) tests/mutation/run $(MUTANTS)
+
 clean:
-	rm -rf build build-sanitize build-fuzz build-tsan
+	rm -rf build build-sanitize build-fuzz build-tsan build-mutate

@@ -89,10 +89,4 @@ bool kpk_probe(Square strong_king, Square weak_king, Square pawn, bool strong_to
   return kpk_table[strong_to_move_flag ? 0 : 1][pawn_index(pawn) * 64 + weak_king] & sq_bb(strong_king);
 }
 
-int kpk_count(int table) {
-  int n = 0;
-  for (Bitboard b : kpk_table[table]) n += __builtin_popcountll(b);
-  return n;
-}
-
 }  // namespace vx

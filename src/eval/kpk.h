@@ -12,7 +12,4 @@ void InitKpk();
 // files a-d, ranks 2-7. True when the strong side wins with best play.
 bool kpk_probe(Square strong_king, Square weak_king, Square pawn, bool strong_to_move);
 
-// Number of set bits in one table (for tests): 0 strong to move, 1 weak to move.
-int kpk_count(int table);
-
 }  // namespace vx

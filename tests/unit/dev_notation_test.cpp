@@ -67,6 +67,7 @@ TEST(DevNotation, SanNamesEveryLegalMoveApart) {
 // PGN as people and other programs write it: tags, comments before and after
 // moves, variations, NAGs, "1..." numbers, two games, a missing result.
 TEST(DevNotation, PgnGamesReadBack) {
+  test::init();  // the reader plays the moves: the attack tables must be there when run alone
   std::istringstream text(
       "[Event \"x\"]\n[FEN \"4k3/8/8/8/8/8/4P3/4K3 b - - 0 1\"]\n\n"
       "{opening} 1... Kd7 {+0.50/3 0.10s} 2. e4 $1 (2. e3 Kc6) Ke6 ; a remark\n3.Kd2 1/2-1/2\n\n"

@@ -1,37 +1,14 @@
 // Endgame functions: trivial draws, KPK through the bitbase, wrong bishop and rook pawns.
+// The bitbase itself is compared with the generator's KPK in bases_facts_test.
 #include <gtest/gtest.h>
 
 #include "eval/endgame.h"
-#include "eval/kpk.h"
 #include "eval_test_util.h"
 
 namespace vx {
 namespace {
 
 using EndgameTest = test::EvalTest;
-
-TEST(Kpk, BitbaseCountsAndKnownVerdicts) {
-  test::init();
-  InitKpk();
-  EXPECT_EQ(kpk_count(0), 62480);
-  EXPECT_EQ(kpk_count(1), 48802);
-  const struct {
-    Square strong_king, weak_king, pawn;
-    bool strong_to_move, win;
-  } cases[] = {
-      {SQ_C5, SQ_A8, SQ_A7, true, false},  // rook pawn, the defender in the corner
-      {SQ_C5, SQ_A8, SQ_A7, false, false},
-      {SQ_D6, SQ_D8, SQ_D4, true, true},  // king two ranks in front of its pawn
-      {SQ_D6, SQ_D8, SQ_D4, false, true},
-      {SQ_D5, SQ_D7, SQ_D4, true, false},  // opposition: only the side to move decides
-      {SQ_D5, SQ_D7, SQ_D4, false, true},
-      {SQ_A1, SQ_C4, SQ_B3, false, false},  // the defender takes the pawn
-      {SQ_A1, SQ_H1, SQ_B7, true, true},    // promotion that cannot be stopped
-  };
-  for (const auto& c : cases)
-    EXPECT_EQ(kpk_probe(c.strong_king, c.weak_king, c.pawn, c.strong_to_move), c.win)
-        << c.strong_king << " " << c.weak_king << " " << c.pawn << " " << c.strong_to_move;
-}
 
 TEST_F(EndgameTest, TrivialMaterialIsExactlyZero) {
   for (const char* placement : {"8/8/8/4k3/8/8/8/4K3", "8/8/8/4k3/8/8/8/3NKN2", "5b2/8/8/4k3/8/8/8/4K3"})
@@ -50,6 +27,10 @@ TEST_F(EndgameTest, KpkUsesTheBitbase) {
   EXPECT_EQ(eval_fen("8/8/8/3p4/8/3k4/8/3K4 b - - 0 1"), 20 * (64 + 3));
   // Files e-h give the value of the mirrored position.
   EXPECT_EQ(eval_fen("7k/7P/8/5K2/8/8/8/8 b - - 0 1"), eval_fen("k7/P7/8/2K5/8/8/8/8 b - - 0 1"));
+  // The e-file too. King in front of its pawn on the fifth rank: the defender
+  // with the opposition holds (White to move), without it he loses.
+  EXPECT_EQ(eval_fen("8/4k3/8/4K3/4P3/8/8/8 w - - 0 1"), 1);
+  EXPECT_EQ(eval_fen("8/4k3/8/4K3/4P3/8/8/8 b - - 0 1"), -20 * (64 + 3));
 }
 
 TEST_F(EndgameTest, WrongBishopAndRookPawns) {

@@ -40,6 +40,9 @@ TEST(Material, PhaseAndImbalance) {
   // Eight pawns and both bishops against eight pawns, bishop and knight:
   // imbalances 1640 and 579, (1640 - 579) / 16 = 66 in both halves.
   EXPECT_EQ(entry_of("2b1k1n1/pppppppp/8/8/8/8/PPPPPPPP/2B1KB2 w - - 0 1").value, make_pair(66, 66));
+  // Two bishops on squares of one colour (one of them promoted) are no pair.
+  EXPECT_GT(mg_value(entry_of("4k3/ppp5/8/8/8/8/PPP5/2B1KB2 w - - 0 1").value),
+            mg_value(entry_of("4k3/ppp5/8/8/8/4B3/PPP5/2B1K3 w - - 0 1").value));
 }
 
 TEST(Material, EndgameRouting) {

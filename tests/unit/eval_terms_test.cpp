@@ -31,6 +31,11 @@ TEST_F(EvalTermsTest, GroupValuesOfWorkedPositions) {
       // The unstoppable bonus (endgame half) only against a bare king.
       {"7k/8/1P6/7p/8/8/8/K7 w - - 0 1", GROUP_PASSED, make_pair(221, 221 + 221)},
       {"7k/8/1P6/7p/8/8/8/K6n w - - 0 1", GROUP_PASSED, make_pair(221, 221)},
+      // The rule of the square: the king on f5 is outside the b5 pawn's square
+      // with White to move (free path 116 * 252 / 256, unstoppable 195); with
+      // Black to move it steps in (...Ke5) and the pawn can be caught.
+      {"8/8/8/1P3k1p/8/8/8/K7 w - - 0 1", GROUP_PASSED, make_pair(114, 114 + 195)},
+      {"8/8/8/1P3k1p/8/8/8/K7 b - - 0 1", GROUP_PASSED, make_pair(114, 114)},
       // An enemy rook behind makes every path square unsafe: only the defence addition.
       {"k7/3K4/4P3/8/8/8/8/4r3 w - - 0 1", GROUP_PASSED, make_pair(156, 156)},
       {"k7/3Kn3/4P3/8/8/8/8/8 w - - 0 1", GROUP_PASSED, 0},  // blocked

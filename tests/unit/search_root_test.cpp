@@ -78,8 +78,19 @@ TEST_F(SearchFixture, StalemateScoresZero) {
 TEST_F(SearchFixture, MateDistancePruningCollapsesTheWindow) {
   position.SetFromFen("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1");
   const uint64_t before = state->nodes;
-  EXPECT_EQ((Search<true, false, WHITE, false, NORMAL, false>(*state, position, Node(5), 32495, 32501, 40, false)), 32495);
+  // Five plies from the root the best score left is a mate on the next ply, 32500 - 6.
+  EXPECT_EQ((Search<true, false, WHITE, false, NORMAL, false>(*state, position, Node(5), 32494, 32501, 40, false)), 32494);
   EXPECT_EQ(state->nodes, before + 1);  // no move searched
+}
+
+// A position that occurred before in the game counts as a draw when the
+// search reaches it again. A knight and king against queen, knight and king
+// is lost, but after 1.Nf3 Nc6 2.Nh4 Nb8 the knight can go back to f3 and
+// repeat the position after 1.Nf3.
+TEST_F(SearchFixture, ARepeatedGamePositionIsADraw) {
+  position.SetFromFen("1n2k3/2q5/8/8/8/8/8/K5N1 w - - 0 1");
+  for (const char* m : {"g1f3", "b8c6", "f3h4", "c6b8"}) position.ApplyGameMove(test::move_of(position, m));
+  EXPECT_EQ((Search<true, false, WHITE, true, NORMAL, false>(*state, position, Node(1), -32501, 32501, 8, false)), 0);
 }
 
 // The trebuchet: each king guards its own pawn and attacks the other's, and

@@ -36,6 +36,7 @@ TEST(WdlModel, ChancesAreSymmetricAndFollowTheScore) {
 }
 
 TEST(WdlFit, SamplesComeFromScoredMovesOfFinishedGames) {
+  test::init();  // the reader plays the moves: the attack tables must be there when run alone
   std::istringstream text(
       "1. e4 {+0.30/10 0.1s} e5 {-0.20/9 0.1s} 2. Nf3 {+M3/20 0.1s} Nc6 {0.05s} 3. Bb5 {+1.50/12 0.2s} 1-0\n\n"
       "1. d4 {+0.10/8 0.1s} *\n");
