@@ -80,12 +80,6 @@ EloEstimate EstimateNormalizedElo(const Trials& t) {
   return {nelo, nelo - margin, nelo + margin};
 }
 
-double LikelihoodOfSuperiority(const MatchCounts& c) {
-  const int decisive = c.wins + c.losses;
-  if (!decisive) return 0.5;
-  return 0.5 * (1 + std::erf((c.wins - c.losses) / std::sqrt(2.0 * decisive)));
-}
-
 double LikelihoodOfSuperiority(const Trials& t) {
   const double distance = t.mean() - 0.5, var = t.variance();
   if (var <= 0) return distance > 0 ? 1 : distance < 0 ? 0 : 0.5;

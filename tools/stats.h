@@ -54,9 +54,8 @@ EloEstimate EstimateElo(const MatchCounts& c);
 // score times sqrt 2). Infinite when every trial scored the same but 1/2.
 EloEstimate EstimateNormalizedElo(const Trials& t);
 
-// Likelihood of superiority: 1/2 (1 + erf((W - L) / sqrt(2 (W + L)))); 1/2 without decisive games.
-double LikelihoodOfSuperiority(const MatchCounts& c);
-// The same by the normal approximation of the mean score of the trials.
+// Likelihood of superiority: the chance that the true score is above 1/2,
+// by the normal approximation of the mean score of the trials.
 double LikelihoodOfSuperiority(const Trials& t);
 
 enum class SprtDecision { CONTINUE, ACCEPT_H0, ACCEPT_H1 };

@@ -151,7 +151,6 @@ class ThreadPool {
   // thread, which must be in place). New helpers share the main thread's
   // table and start on a copy of its position. Only while no search runs.
   void SetThreadCount(size_t count);
-  size_t helper_count() const { return helpers_.size(); }
   // Runs `job` once on every helper, each on its own thread, and returns at
   // once. The job must end soon after the helper's stop flag is set.
   void StartHelpers(std::function<void(Thread&)> job);
