@@ -120,6 +120,7 @@ void InitOptions(ThreadPool& pool) {
                      ParseInteger(o.value, n);
                      p->SetThreadCount(size_t(n));
                    }),
+      Option::Check("UCI_ShowWDL", false),
   };
 }
 

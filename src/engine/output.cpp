@@ -19,12 +19,26 @@ int64_t Clock() { return platform::now_ms(); }
 
 int MateDistance(Value score) { return score > 0 ? (32501 - score) / 2 : (score + 32500) / -2; }
 
-std::string ScoreText(Value score, Value root_tb_score) {
-  if (score >= VALUE_MATE_BOUND || score <= -VALUE_MATE_BOUND) return "mate " + std::to_string(MateDistance(score));
+bool IsMateScore(Value score) { return score >= VALUE_MATE_BOUND || score <= -VALUE_MATE_BOUND; }
+
+int ReportedCentipawns(Value score, Value root_tb_score) {
   const Value v = root_tb_score != VALUE_INFINITE ? root_tb_score : score;
-  if (v >= VALUE_KNOWN_WIN) return "cp " + std::to_string(v - 4000);
-  if (v <= -VALUE_KNOWN_WIN) return "cp " + std::to_string(v + 4000);
-  return "cp " + std::to_string(v * 100 / 256);
+  if (v >= VALUE_KNOWN_WIN) return v - 4000;
+  if (v <= -VALUE_KNOWN_WIN) return v + 4000;
+  return v * 100 / 256;
+}
+
+std::string ScoreText(Value score, Value root_tb_score) {
+  if (IsMateScore(score)) return "mate " + std::to_string(MateDistance(score));
+  return "cp " + std::to_string(ReportedCentipawns(score, root_tb_score));
+}
+
+WdlPermille ReportedWdl(Value score, Value root_tb_score, int material) {
+  if (IsMateScore(score)) return score > 0 ? WdlPermille{1000, 0, 0} : WdlPermille{0, 0, 1000};
+  // A tablebase verdict on the root is certain, whatever the search thinks.
+  if (root_tb_score != VALUE_INFINITE)
+    return root_tb_score > 0 ? WdlPermille{1000, 0, 0} : root_tb_score < 0 ? WdlPermille{0, 0, 1000} : WdlPermille{0, 1000, 0};
+  return ToPermille(WdlFromScore(WDL_MODEL, ReportedCentipawns(score, root_tb_score), material));
 }
 
 namespace {
@@ -56,6 +70,10 @@ std::string PvLineText(const PvRecord& r) {
   s += " score " + ScoreText(r.score, r.root_tb_score);
   if (r.bound == PV_LOWER_BOUND) s += " lowerbound";
   if (r.bound == PV_UPPER_BOUND) s += " upperbound";
+  if (r.wdl_material >= 0) {
+    const WdlPermille p = ReportedWdl(r.score, r.root_tb_score, r.wdl_material);
+    s += " wdl " + std::to_string(p.win) + ' ' + std::to_string(p.draw) + ' ' + std::to_string(p.loss);
+  }
   s += " nodes " + std::to_string(r.nodes);
   AppendRateAndHits(s, r.time, r.nodes, r.tbhits, r.sbhits);
   s += " hashfull " + std::to_string(r.hashfull);

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "board/types.h"
+#include "engine/wdl.h"
 #include "search/stack.h"
 
 namespace vx {
@@ -36,6 +37,7 @@ struct PvRecord {
   int32_t pv_length = 0;
   Move pv[PV_ARRAY_SIZE] = {};
   int32_t root_tb_score = VALUE_INFINITE;  // 32000 / 0 / -32000 when a tablebase resolved the root
+  int32_t wdl_material = -1;               // root material for the " wdl" field; -1: no field
 };
 
 // The number after "mate": moves to mate, negative when being mated.
@@ -43,6 +45,12 @@ int MateDistance(Value score);
 // "mate N" or "cp N"; a tablebase-resolved root reports its own score unless
 // the search found a mate.
 std::string ScoreText(Value score, Value root_tb_score);
+// The centipawns of a "cp" score.
+int ReportedCentipawns(Value score, Value root_tb_score);
+// Win/draw/loss per mille of a score, for the side to move: certain for
+// mates and tablebase-resolved roots, else from the fitted model for the
+// root's material (as WdlMaterial counts it).
+WdlPermille ReportedWdl(Value score, Value root_tb_score, int material);
 
 std::string PvLineText(const PvRecord& r);
 void PrintPvLine(const PvRecord& r);

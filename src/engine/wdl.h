@@ -20,6 +20,14 @@ struct WdlChances {
   double win, draw, loss;
 };
 
+// The same in per mille: three non-negative integers summing to 1000.
+struct WdlPermille {
+  int win, draw, loss;
+};
+
+// The model fitted on the engine's own games, used for the " wdl" field.
+extern const WdlModel WDL_MODEL;
+
 // 1, 3, 3, 5, 9 per pawn, minor piece, rook and queen of both sides.
 int WdlMaterial(const Position& pos);
 // The model's variable for a material count.
@@ -27,5 +35,7 @@ double WdlMaterialTerm(int material);
 // Chances of the side to move; a midpoint or spread that is not positive for
 // this material gives a draw.
 WdlChances WdlFromScore(const WdlModel& model, double centipawns, int material);
+// Rounds each of win and loss to the nearest per mille; draw takes the rest.
+WdlPermille ToPermille(const WdlChances& c);
 
 }  // namespace vx

@@ -5,6 +5,7 @@
 #include "board/see.h"
 #include "engine/options.h"
 #include "engine/timeman.h"
+#include "engine/wdl.h"
 #include "eval/evaluate.h"
 #include "search/history.h"
 #include "search/movepick.h"
@@ -24,6 +25,7 @@ struct RootState {
   SearchStack stack[SEARCH_STACK_SIZE];
   int multipv = 1;
   Value root_tb_score = VALUE_INFINITE;
+  int wdl_material = -1;  // see PvRecord
 };
 
 RootState* NewRootState() { return new RootState(); }
@@ -58,6 +60,7 @@ void RefreshRecord(SearchState& st, const SearchStack* ss, int depth, Value scor
   r.sbhits = TotalSbHits(st);
   r.hashfull = st.table->hashfull();
   r.root_tb_score = root.root_tb_score;
+  r.wdl_material = root.wdl_material;
 }
 
 void SetRecordPv(RootState& root, Move m, const Move* child_pv) {
@@ -330,6 +333,7 @@ void RootSearch(SearchState& st, Position& pos, Move prev, Move last, Value root
 
   root.multipv = OptionInt("MultiPV");
   root.root_tb_score = root_tb_score;
+  root.wdl_material = OptionTrue("UCI_ShowWDL") ? WdlMaterial(pos) : -1;
   root.line_count = 0;
   const int n = std::min(int(st.root_moves.size()), root.multipv);
   // At least one iteration, at most 100 plies, whatever depth was asked for.

@@ -97,6 +97,55 @@ class Scores(SearchTestCase):
             self.assertEqual((best, ponder), ("0000", None), fen)
 
 
+def wdl_of(line):
+    """The three numbers of " wdl W D L" when they follow the score and its bound word."""
+    m = re.search(r" score (?:cp|mate) -?\d+(?: lowerbound| upperbound)? wdl (\d+) (\d+) (\d+) nodes ", line)
+    return tuple(int(x) for x in m.groups()) if m else None
+
+
+class WinDrawLoss(SearchTestCase):
+    def test_the_option_only_adds_the_field(self):
+        # A middlegame searched with one line (which reports bounds) and with
+        # two, each with the option off, on, and off again: the lines agree
+        # once the field and the clock fields are taken out, and the first
+        # and third agree whole.
+        position = "position fen r1bq1rk1/pp2bppp/2n1pn2/3p4/2PP4/2N1PN2/PP3PPP/R2QKB1R w KQ - 0 8"
+        strip = lambda ls: [re.sub(r" (time|nps) \d+", "", l) for l in ls]
+        scored = []
+        for lines in ("1", "2"):
+            self.engine.send("setoption name MultiPV value " + lines)
+            runs = []
+            for on in ("false", "true", "false"):
+                self.engine.send("setoption name UCI_ShowWDL value " + on)
+                self.engine.send("ucinewgame")
+                runs.append(self.go(position, "go depth 8"))
+            self.assertEqual(strip(runs[0][0]), strip(runs[2][0]))
+            self.assertFalse(any(" wdl " in l for l in runs[0][0]))
+            self.assertEqual(strip(runs[0][0]), strip([re.sub(r" wdl \d+ \d+ \d+", "", l) for l in runs[1][0]]))
+            scored += [l for l in runs[1][0] if " score " in l]
+        self.assertTrue(any("bound wdl" in l for l in scored))
+        self.assertTrue(any(" multipv 2 " in l for l in scored))
+        for line in scored:
+            wdl = wdl_of(line)
+            self.assertIsNotNone(wdl, line)
+            self.assertEqual(sum(wdl), 1000, line)
+
+    def test_mates_are_certain_and_a_better_score_is_no_worse(self):
+        self.engine.send("setoption name UCI_ShowWDL value true")
+        for fen, wdl in (("6k1/5ppp/8/8/8/8/5PPP/R5K1 w - - 0 1", (1000, 0, 0)),
+                         ("7k/p7/5KQ1/8/8/8/8/8 b - - 0 1", (0, 0, 1000))):
+            lines, _, _ = self.go("position fen " + fen, "go depth 4")
+            self.assertEqual(wdl_of(pv_lines(lines)[-1]), wdl, fen)
+        # Every line of one search has the same material, so the win share
+        # rises and the loss share falls with the score.
+        lines, _, _ = self.go("position startpos moves e2e4 e7e5 g1f3", "go depth 10")
+        points = sorted({(score_of(l)[1], wdl_of(l)) for l in lines if " score cp " in l})
+        self.assertGreater(len(points), 3)
+        for (_, low), (_, high) in zip(points, points[1:]):
+            self.assertLessEqual(low[0], high[0], points)
+            self.assertGreaterEqual(low[2], high[2], points)
+
+
 class TimeLimits(SearchTestCase):
     def test_movetime_ends_the_search_near_its_time(self):
         start = time.monotonic()

@@ -94,6 +94,16 @@ class RootProbe(SyzygyTestCase):
                            ("8/r1B5/8/2R5/8/k1K5/8/8 w - - 0 1", "cp 0")):   # a win beyond 50 moves
             self.assertEqual(self.go("position fen " + fen)[1:], (score, True), fen)
 
+    def test_a_resolved_root_reports_a_certain_result(self):
+        self.engine.send("setoption name UCI_ShowWDL value true")
+        for fen, wdl in (("8/8/8/8/8/1k6/R7/3K4 b - - 0 1", "0 1000 0"),
+                         ("8/8/8/8/8/2k5/8/R3K3 b - - 0 1", "0 0 1000"),
+                         ("8/8/8/8/8/1k6/R7/3K4 w - - 0 1", "1000 0 0")):
+            lines = [l for l in self.go("position fen " + fen)[0] if " score cp " in l]
+            self.assertTrue(lines, fen)
+            for line in lines:
+                self.assertRegex(line, r" score cp -?\d+ (lowerbound |upperbound )?wdl %s nodes " % wdl)
+
     def test_only_moves_that_keep_the_win_are_searched(self):
         lines, score, tbhits = self.go(KRVK, depth=1)
         searched = {l.split(" pv ")[1].split()[0] for l in lines if " pv " in l}

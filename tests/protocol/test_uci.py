@@ -49,6 +49,7 @@ UCI_LISTING = [
     "option name Time Buffer (sec) type spin min 0 max 60 default 1",
     "option name Time Usage Percent type spin min 50 max 200 default 100",
     "option name Threads type spin min 1 max 1024 default 1",
+    "option name UCI_ShowWDL type check default false",
     "uciok",
 ]
 

@@ -47,6 +47,63 @@ TEST(PvLine, AllFieldsInOrder) {
   EXPECT_NE(PvLineText(r).find("score cp 31 upperbound nodes"), std::string::npos);
 }
 
+// The " wdl" field follows the score and its bound word when the record
+// carries the root's material.
+TEST(PvLine, WinDrawLossFieldAfterTheBound) {
+  PvRecord r{.depth = 8, .score = 32498, .bound = PV_LOWER_BOUND, .nodes = 40, .pv_length = 1, .pv = {E2E4}};
+  r.wdl_material = 78;
+  EXPECT_EQ(PvLineText(r), "info depth 2 seldepth 2 time 0 score mate 1 lowerbound wdl 1000 0 0 nodes 40 hashfull 0 pv e2e4");
+  r.bound = PV_EXACT;
+  r.score = -32498;
+  EXPECT_EQ(PvLineText(r), "info depth 2 seldepth 2 time 0 score mate -1 wdl 0 0 1000 nodes 40 hashfull 0 pv e2e4");
+}
+
+// Mates and tablebase-resolved roots are certain; otherwise the shares are
+// whole per mille summing to 1000, the same for both sides (a score and its
+// negation swap win and loss), and move with the score the right way at
+// every material count.
+TEST(ReportedWdl, CertainResultsAndTheModelsShape) {
+  const struct {
+    Value score, tb_score;
+    WdlPermille wdl;
+  } certain[] = {{32499, VALUE_INFINITE, {1000, 0, 0}}, {-32000, VALUE_INFINITE, {0, 0, 1000}},
+                 {32497, 0, {1000, 0, 0}},               {-500, 32000, {1000, 0, 0}},
+                 {700, 0, {0, 1000, 0}},                 {100, -32000, {0, 0, 1000}}};
+  for (const auto& c : certain) {
+    const WdlPermille p = ReportedWdl(c.score, c.tb_score, 40);
+    EXPECT_EQ((std::array{p.win, p.draw, p.loss}), (std::array{c.wdl.win, c.wdl.draw, c.wdl.loss})) << c.score;
+  }
+  for (int material = 0; material <= 78; ++material) {
+    WdlPermille last{0, 0, 1000};
+    for (Value score = -31999; score <= 31999; score += score < -1000 || score > 1000 ? 997 : 13) {
+      const WdlPermille p = ReportedWdl(score, VALUE_INFINITE, material);
+      const WdlPermille q = ReportedWdl(-score, VALUE_INFINITE, material);
+      ASSERT_TRUE(p.win >= 0 && p.draw >= 0 && p.loss >= 0 && p.win + p.draw + p.loss == 1000) << score;
+      ASSERT_EQ((std::array{p.win, p.draw, p.loss}), (std::array{q.loss, q.draw, q.win})) << score << " " << material;
+      ASSERT_TRUE(p.win >= last.win && p.loss <= last.loss) << score << " " << material;
+      last = p;
+    }
+    // Known wins (the endgame rules' scores) read as certain wins.
+    EXPECT_EQ(ReportedWdl(31500, VALUE_INFINITE, material).win, 1000) << material;
+  }
+  // Level at the start: neither side is more likely to win than to draw.
+  const WdlPermille start = ReportedWdl(0, VALUE_INFINITE, 78);
+  EXPECT_EQ(start.win, start.loss);
+  EXPECT_GT(start.draw, start.win);
+}
+
+TEST(ToPermille, RoundsWinAndLossAndTheDrawTakesTheRest) {
+  const struct {
+    WdlChances chances;
+    WdlPermille permille;
+  } cases[] = {{{0.5625, 0.0, 0.4375}, {563, 0, 437}}, {{0.0004, 0.9992, 0.0004}, {0, 1000, 0}},
+               {{0.3336, 0.3328, 0.3336}, {334, 332, 334}}, {{1.0, 0.0, 0.0}, {1000, 0, 0}}};
+  for (const auto& c : cases) {
+    const WdlPermille p = ToPermille(c.chances);
+    EXPECT_EQ((std::array{p.win, p.draw, p.loss}), (std::array{c.permille.win, c.permille.draw, c.permille.loss}));
+  }
+}
+
 TEST(PvLine, OptionalFieldsLeftOut) {
   // seldepth below the depth reports the depth; no nps at time 0, no zero hit counts.
   PvRecord r{.depth = 8, .seldepth = 1, .score = -32498, .nodes = 40, .pv_length = 1, .pv = {E2E4}};
