@@ -393,26 +393,7 @@ void Position::ApplyGameMove(Move m) {
   }
 }
 
-Key Position::KeyAfter(Move m) const {
-  const Square from = from_sq(m), to = to_sq(m);
-  const Piece pc = board[from];
-  return state->key ^ zobrist_side ^ zobrist_psq[pc][from] ^ zobrist_psq[pc][to] ^ zobrist_psq[board[to]][to];
-}
-
-bool Position::IsRepetition() const {
-  const long top = key_history_top - key_history;
-  long bound = top - long(state->rule50);
-  if (bound < 0) bound = 0;
-  const uint32_t current = key_history[top];
-  for (long i = top - 4; i >= bound; i -= 2)
-    if (key_history[i] == current) return true;
-  return false;
-}
-
-bool Position::IsRule50Draw() const {
-  if (state->rule50 < 100) return false;
-  return !(InCheck(*this) && !HasLegalMove(*this));
-}
+bool Position::Rule50EndsInDraw() const { return !(InCheck(*this) && !HasLegalMove(*this)); }
 
 Move ParseMove(const Position& pos, const std::string& token) {
   MoveList list;

@@ -74,10 +74,27 @@ struct Position {
   void UndoNullMove();
   // Plays a game move (either side) and makes the result the new root.
   void ApplyGameMove(Move m);
-  Key KeyAfter(Move m) const;
+  // The key after a plain move or capture (castling, en passant and
+  // promotion are approximations), for prefetching the child's table entry.
+  Key KeyAfter(Move m) const {
+    const Square from = from_sq(m), to = to_sq(m);
+    const Piece pc = board[from];
+    return state->key ^ zobrist_side ^ zobrist_psq[pc][from] ^ zobrist_psq[pc][to] ^ zobrist_psq[board[to]][to];
+  }
 
-  bool IsRepetition() const;
-  bool IsRule50Draw() const;
+  // The current position occurred before since the last capture or pawn
+  // move, with the same side to move.
+  bool IsRepetition() const {
+    const long top = key_history_top - key_history;
+    long bound = top - long(state->rule50);
+    if (bound < 0) bound = 0;
+    const uint32_t current = key_history[top];
+    for (long i = top - 4; i >= bound; i -= 2)
+      if (key_history[i] == current) return true;
+    return false;
+  }
+  // A hundred plies without capture or pawn move, unless the last one mated.
+  bool IsRule50Draw() const { return state->rule50 >= 100 && Rule50EndsInDraw(); }
 
   // ---- read access ----
   Bitboard by_color(Color c) const { return pieces[c << 3]; }
@@ -98,6 +115,7 @@ struct Position {
   ValuePair compute_psq() const;
 
  private:
+  bool Rule50EndsInDraw() const;
   void put_piece(Piece p, Square s);
   void remove_piece(Square s);
   void move_piece(Square from, Square to);

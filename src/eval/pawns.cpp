@@ -106,16 +106,14 @@ int32_t shelter_of(const Position& pos, Square ksq) {
   return value;
 }
 
-// Per-pawn facts of one side, with the sums that finish the side.
+// Per-pawn facts of one side that do not depend on the kings.
 template <Color Us>
-ValuePair evaluate_side(PawnEntry& e, const Position& pos) {
+void structure_side(PawnStructure& ps, const Position& pos) {
   constexpr Color Them = ~Us;
   constexpr int Up = Us == WHITE ? 8 : -8;
   const Bitboard ours = pos.of(Us, PAWN), theirs = pos.of(Them, PAWN);
   const Bitboard safe = safe_squares<Us>(ours, theirs);
-  const Square ksq = pos.king_square(Us), eksq = pos.king_square(Them);
   ValuePair score = 0;
-  int own_sum = 0, enemy_sum = 0;
 
   for (Bitboard b = ours; b;) {
     const Square s = pop_lsb(b);
@@ -147,7 +145,7 @@ ValuePair evaluate_side(PawnEntry& e, const Position& pos) {
       }
     }
 
-    if (open) ++e.complexity;
+    if (open) ++ps.complexity;
     if (!neighbours) score += open ? IsolatedOpen[f] : Isolated[f];
     if (r <= 3) {
       if (backward) score += open ? BackwardOpen[f] : Backward[f];
@@ -163,32 +161,63 @@ ValuePair evaluate_side(PawnEntry& e, const Position& pos) {
       score += Connected[in_phalanx][both][rammed][passed][Us == WHITE ? s : s ^ 56];
     }
     if (passed) {
-      e.passed[Us] |= sq_bb(s);
+      ps.passed[Us] |= sq_bb(s);
       score += PassedFile[f] + PassedRank[r];
-      if (distance(ksq, front) <= 1) score += PassedKingSupport[r];
-      if (passed_pawn_mask[Us][s] & sq_bb(eksq)) score += PassedKingAhead;
     } else if (open && (safe & sq_bb(s)) && !(forward_file[Us][s] & ~safe)) {
       score += Candidate[r];
     }
-    if (rammed && !lever && r == 5 && (king_attacks[eksq] & pawn_attacks[Us][s]) && f != 3 && f != 4 &&
-        file_of(eksq) != 3 && file_of(eksq) != 4) {
-      e.kingDanger[Us] += WEDGE_DANGER;
-      score += Wedge;
-    }
+    if (rammed && !lever && r == 5 && f != 3 && f != 4) ps.wedges[Us] |= sq_bb(s);
     if (backward || stuck || rammed || doubled || (!neighbours && !ahead_safe))
-      e.outposts[Them] &= ~pawn_attacks[Us][s];
+      ps.outposts[Them] &= ~pawn_attacks[Us][s];
     else
-      e.outposts[Them] &= ~pawn_attack_span[Us][s];
+      ps.outposts[Them] &= ~pawn_attack_span[Us][s];
+  }
+  ps.score[Us] = score;
 
-    own_sum += distance(ksq, s) + std::abs(file_of(ksq) - f);
-    enemy_sum += distance(eksq, s) + std::abs(file_of(eksq) - f);
-    if (passed) {
-      const Square promo = make_square(f, Us == WHITE ? 7 : 0);
-      own_sum += distance(ksq, promo) + 2 * distance(ksq, front);
-      enemy_sum += 2 * (distance(eksq, promo) + 2 * distance(eksq, front));
-    }
+  int file_mask = 0;
+  for (int f = 0; f < 8; ++f)
+    if (ours & file_bb(f)) file_mask |= 1 << f;
+  ps.fileSpan |= uint8_t(file_mask);
+  const int n = __builtin_popcount(file_mask);
+  const int w = file_mask ? (31 - __builtin_clz(file_mask)) - __builtin_ctz(file_mask) : 0;
+  ps.fewFiles[Us] = int8_t((7 - w) * std::max(0, 5 - n));
+}
+
+// The terms of one side that depend on where the kings stand and on the
+// castling rights, added to the side's structure score.
+template <Color Us>
+ValuePair king_side(PawnEntry& e, const PawnStructure& ps, const Position& pos) {
+  constexpr Color Them = ~Us;
+  constexpr int Up = Us == WHITE ? 8 : -8;
+  const Bitboard ours = pos.of(Us, PAWN);
+  const Square ksq = pos.king_square(Us), eksq = pos.king_square(Them);
+  ValuePair score = ps.score[Us];
+
+  // Kings near the pawns, own ones and the enemy's, and nearer still to passers.
+  int own_sum = 0, enemy_sum = 0;
+  for (Bitboard b = ours; b;) {
+    const Square s = pop_lsb(b);
+    own_sum += distance(ksq, s) + std::abs(file_of(ksq) - file_of(s));
+    enemy_sum += distance(eksq, s) + std::abs(file_of(eksq) - file_of(s));
+  }
+  for (Bitboard b = ps.passed[Us]; b;) {
+    const Square s = pop_lsb(b);
+    const int r = relative_rank(Us, s);
+    const Square front = s + Up;
+    if (distance(ksq, front) <= 1) score += PassedKingSupport[r];
+    if (passed_pawn_mask[Us][s] & sq_bb(eksq)) score += PassedKingAhead;
+    const Square promo = make_square(file_of(s), Us == WHITE ? 7 : 0);
+    own_sum += distance(ksq, promo) + 2 * distance(ksq, front);
+    enemy_sum += 2 * (distance(eksq, promo) + 2 * distance(eksq, front));
   }
   score += (56 * enemy_sum - 80 * own_sum) / 32;
+
+  if (file_of(eksq) != 3 && file_of(eksq) != 4)
+    for (Bitboard b = ps.wedges[Us]; b;)
+      if (king_attacks[eksq] & pawn_attacks[Us][pop_lsb(b)]) {
+        e.kingDanger[Us] += WEDGE_DANGER;
+        score += Wedge;
+      }
 
   // Rook traps: the files between the king and the nearer edge all hold own pawns.
   if (relative_rank(Us, ksq) <= 1) {
@@ -212,14 +241,6 @@ ValuePair evaluate_side(PawnEntry& e, const Position& pos) {
     shelter = std::max(shelter, shelter_of<Us>(pos, Us == WHITE ? SQ_C1 : SQ_C8));
   e.shelter[Us] = shelter;
 
-  int file_mask = 0;
-  for (int f = 0; f < 8; ++f)
-    if (ours & file_bb(f)) file_mask |= 1 << f;
-  e.fileSpan |= uint8_t(file_mask);
-  const int n = __builtin_popcount(file_mask);
-  const int w = file_mask ? (31 - __builtin_clz(file_mask)) - __builtin_ctz(file_mask) : 0;
-  e.fewFiles[Us] = int8_t((7 - w) * std::max(0, 5 - n));
-
   const Bitboard a7 = shift_cap7<Us>(ours), a9 = shift_cap9<Us>(ours);
   const Bitboard zone = king_zone[Them][eksq], ring = king_attacks[eksq];
   e.zoneAttacks[Us] = int8_t(popcnt(a7 & zone) + popcnt(a9 & zone));
@@ -229,6 +250,40 @@ ValuePair evaluate_side(PawnEntry& e, const Position& pos) {
 }
 
 constexpr Bitboard OUTPOST_FILES = ~(FILE_A_BB | FILE_H_BB);
+// Keeps the key of a structure without pawns away from 0, the empty slot.
+constexpr Key STRUCTURE_KEY_SALT = 0x6A09E667F3BCC908ULL;
+
+void compute_structure(PawnStructure& ps, const Position& pos, Key key) {
+  const Bitboard all_pawns = pos.of(WHITE, PAWN) | pos.of(BLACK, PAWN);
+  ps = PawnStructure{};
+  ps.key = key;
+  ps.complexity = int8_t(popcnt(all_pawns));
+  ps.outposts[WHITE] = (rank_bb(3) | rank_bb(4) | rank_bb(5)) & OUTPOST_FILES & ~all_pawns;
+  ps.outposts[BLACK] = (rank_bb(2) | rank_bb(3) | rank_bb(4)) & OUTPOST_FILES & ~all_pawns;
+  structure_side<WHITE>(ps, pos);
+  structure_side<BLACK>(ps, pos);
+  const int mask = ps.fileSpan;
+  ps.fileSpan = mask ? uint8_t((31 - __builtin_clz(mask)) - __builtin_ctz(mask) + 1) : 0;
+}
+
+void complete_entry(PawnEntry& e, const PawnStructure& ps, const Position& pos, ValuePair* side_scores) {
+  e = PawnEntry{};
+  e.key = pos.state->pawn_key;
+  e.complexity = int8_t(ps.complexity + std::abs(file_of(pos.king_square(WHITE)) - file_of(pos.king_square(BLACK))));
+  e.fileSpan = ps.fileSpan;
+  for (Color c : {WHITE, BLACK}) {
+    e.fewFiles[c] = ps.fewFiles[c];
+    e.passed[c] = ps.passed[c];
+    e.outposts[c] = ps.outposts[c];
+  }
+  const ValuePair white = king_side<WHITE>(e, ps, pos);
+  const ValuePair black = king_side<BLACK>(e, ps, pos);
+  e.score = white - black;
+  if (side_scores) {
+    side_scores[WHITE] = white;
+    side_scores[BLACK] = -black;
+  }
+}
 
 }  // namespace
 
@@ -236,23 +291,16 @@ int32_t king_shelter(const Position& pos, Color c, Square ksq) {
   return c == WHITE ? shelter_of<WHITE>(pos, ksq) : shelter_of<BLACK>(pos, ksq);
 }
 
+Key structure_key(const Position& pos) {
+  return pos.state->pawn_key ^ zobrist_castle[pos.state->castling_rights] ^
+         zobrist_psq[make_piece(WHITE, KING)][pos.king_square(WHITE)] ^
+         zobrist_psq[make_piece(BLACK, KING)][pos.king_square(BLACK)] ^ STRUCTURE_KEY_SALT;
+}
+
 void compute_pawn_entry(PawnEntry& e, const Position& pos, ValuePair* side_scores) {
-  const Bitboard all_pawns = pos.of(WHITE, PAWN) | pos.of(BLACK, PAWN);
-  e = PawnEntry{};
-  e.key = pos.state->pawn_key;
-  e.complexity = int8_t(popcnt(all_pawns) +
-                        std::abs(file_of(pos.king_square(WHITE)) - file_of(pos.king_square(BLACK))));
-  e.outposts[WHITE] = (rank_bb(3) | rank_bb(4) | rank_bb(5)) & OUTPOST_FILES & ~all_pawns;
-  e.outposts[BLACK] = (rank_bb(2) | rank_bb(3) | rank_bb(4)) & OUTPOST_FILES & ~all_pawns;
-  const ValuePair white = evaluate_side<WHITE>(e, pos);
-  const ValuePair black = evaluate_side<BLACK>(e, pos);
-  e.score = white - black;
-  if (side_scores) {
-    side_scores[WHITE] = white;
-    side_scores[BLACK] = -black;
-  }
-  const int mask = e.fileSpan;
-  e.fileSpan = mask ? uint8_t((31 - __builtin_clz(mask)) - __builtin_ctz(mask) + 1) : 0;
+  PawnStructure ps;
+  compute_structure(ps, pos, structure_key(pos));
+  complete_entry(e, ps, pos, side_scores);
 }
 
 void init_pawns() {
@@ -285,29 +333,30 @@ void init_pawns() {
   }
 }
 
-PawnEntry* AllocPawnTable() {
-  auto* table = new PawnEntry[PAWN_TABLE_SIZE];
+PawnTables* AllocPawnTable() {
+  auto* table = new PawnTables;
   ClearPawnTable(table);
   return table;
 }
 
-void ClearPawnTable(PawnEntry* table) {
-  std::memset(static_cast<void*>(table), 0, sizeof(PawnEntry) * PAWN_TABLE_SIZE);
-}
+void ClearPawnTable(PawnTables* table) { std::memset(static_cast<void*>(table), 0, sizeof(PawnTables)); }
 
-void FreePawnTable(PawnEntry* table) { delete[] table; }
+void FreePawnTable(PawnTables* table) { delete table; }
 
 namespace PawnTable {
 
 PawnEntry& probe(const Position& pos, SearchState& ss) {
   const Key key = pos.state->pawn_key;
-  PawnEntry& e = ss.pawn_table[key & (PAWN_TABLE_SIZE - 1)];
+  PawnEntry& e = ss.pawn_table->entries[key & (PAWN_TABLE_SIZE - 1)];
   ++ss.pawn_probes;
   if (e.key == key) {
     ++ss.pawn_hits;
     return e;
   }
-  compute_pawn_entry(e, pos);
+  const Key skey = structure_key(pos);
+  PawnStructure& ps = ss.pawn_table->structures[skey & (PAWN_STRUCTURE_TABLE_SIZE - 1)];
+  if (ps.key != skey) compute_structure(ps, pos, skey);
+  complete_entry(e, ps, pos, nullptr);
   return e;
 }
 

@@ -28,10 +28,37 @@ struct PawnEntry {
   Bitboard rookTraps;      // squares where a rook is shut in by its own king
 };
 
+// What the pawns decide on their own, whatever the kings and the castling
+// rights: the part of an entry that a king move leaves as it is.
+struct PawnStructure {
+  Key key;                 // pawns only; see structure_key
+  ValuePair score[2];      // each side's own terms, from its point of view
+  Bitboard passed[2];
+  Bitboard outposts[2];
+  Bitboard wedges[2];      // rammed sixth-rank pawns off the centre files, not levering
+  int8_t fewFiles[2];
+  int8_t complexity;       // pawns plus open pawns
+  uint8_t fileSpan;
+};
+
+constexpr int PAWN_STRUCTURE_TABLE_SIZE = 4096;
+
+// A thread's pawn caches: entries by the pawn key (pawns, kings and castling
+// rights) and, behind them, structures by the pawns alone, so that a king
+// move costs only the king terms.
+struct PawnTables {
+  PawnEntry entries[PAWN_TABLE_SIZE];
+  PawnStructure structures[PAWN_STRUCTURE_TABLE_SIZE];
+};
+
 // Builds the entry for the position's pawns and kings from scratch. When
 // side_scores is given it receives the part of the score each side's pawns
 // contribute (the two add up to e.score).
 void compute_pawn_entry(PawnEntry& e, const Position& pos, ValuePair* side_scores = nullptr);
+
+// The key of the position's pawn structure: the pawn key without the kings
+// and the castling rights.
+Key structure_key(const Position& pos);
 
 // Shelter of one side's king if it stood on the given square.
 int32_t king_shelter(const Position& pos, Color c, Square ksq);
@@ -39,10 +66,10 @@ int32_t king_shelter(const Position& pos, Color c, Square ksq);
 // Derived pawn tables; start-up.
 void init_pawns();
 
-PawnEntry* AllocPawnTable();
-void FreePawnTable(PawnEntry* table);
+PawnTables* AllocPawnTable();
+void FreePawnTable(PawnTables* table);
 // Empties every slot (the per-search reset).
-void ClearPawnTable(PawnEntry* table);
+void ClearPawnTable(PawnTables* table);
 
 namespace PawnTable {
 PawnEntry& probe(const Position& pos, SearchState& ss);

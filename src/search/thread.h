@@ -20,7 +20,7 @@ namespace vx {
 
 class TranspositionTable;
 struct MaterialEntry;
-struct PawnEntry;
+struct PawnTables;
 struct Thread;
 struct RootState;
 
@@ -93,7 +93,7 @@ struct SearchState {
   uint64_t material_probes = 0, material_hits = 0;
   MaterialEntry* material_table = nullptr;
   uint64_t pawn_probes = 0, pawn_hits = 0;
-  PawnEntry* pawn_table = nullptr;
+  PawnTables* pawn_table = nullptr;
   uint8_t hasPopcnt = 0;
   // The root search's lines and search stack of this thread.
   RootState* root = nullptr;

@@ -42,7 +42,8 @@ void BM_EvaluateMiss(benchmark::State& state) {
   for (auto _ : state) {
     const Position& pos = set[i];
     f.ss.material_table[(pos.state->material_key >> 48) & (MATERIAL_TABLE_SIZE - 1)].key = 0;
-    f.ss.pawn_table[pos.state->pawn_key & (PAWN_TABLE_SIZE - 1)].key = 0;
+    f.ss.pawn_table->entries[pos.state->pawn_key & (PAWN_TABLE_SIZE - 1)].key = 0;
+    f.ss.pawn_table->structures[structure_key(pos) & (PAWN_STRUCTURE_TABLE_SIZE - 1)].key = 0;
     benchmark::DoNotOptimize(f.eval<Hw>(pos));
     if (++i == set.size()) i = 0;
   }
