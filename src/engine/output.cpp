@@ -36,8 +36,9 @@ std::string ScoreText(Value score, Value root_tb_score) {
 WdlPermille ReportedWdl(Value score, Value root_tb_score, int material) {
   if (IsMateScore(score)) return score > 0 ? WdlPermille{1000, 0, 0} : WdlPermille{0, 0, 1000};
   // A tablebase verdict on the root is certain, whatever the search thinks.
-  if (root_tb_score != VALUE_INFINITE)
-    return root_tb_score > 0 ? WdlPermille{1000, 0, 0} : root_tb_score < 0 ? WdlPermille{0, 0, 1000} : WdlPermille{0, 1000, 0};
+  if (root_tb_score > 0 && root_tb_score != VALUE_INFINITE) return {1000, 0, 0};
+  if (root_tb_score < 0) return {0, 0, 1000};
+  if (root_tb_score == 0) return {0, 1000, 0};
   return ToPermille(WdlFromScore(WDL_MODEL, ReportedCentipawns(score, root_tb_score), material));
 }
 

@@ -91,8 +91,8 @@ TEST(PawnTable, CachedEntriesEqualEntriesBuiltFromScratch) {
                        const bool had_structure =
                            f.ss.pawn_table->structures[structure_key(pos) & (PAWN_STRUCTURE_TABLE_SIZE - 1)].key ==
                            structure_key(pos);
-                       const bool had_entry =
-                           f.ss.pawn_table->entries[pos.state->pawn_key & (PAWN_TABLE_SIZE - 1)].key == pos.state->pawn_key;
+                       const Key key = pos.state->pawn_key;
+                       const bool had_entry = f.ss.pawn_table->entries[key & (PAWN_TABLE_SIZE - 1)].key == key;
                        structure_reuses += had_structure && !had_entry;
                        const PawnEntry& cached = PawnTable::probe(pos, f.ss);
                        PawnEntry fresh;

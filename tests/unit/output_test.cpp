@@ -52,7 +52,8 @@ TEST(PvLine, AllFieldsInOrder) {
 TEST(PvLine, WinDrawLossFieldAfterTheBound) {
   PvRecord r{.depth = 8, .score = 32498, .bound = PV_LOWER_BOUND, .nodes = 40, .pv_length = 1, .pv = {E2E4}};
   r.wdl_material = 78;
-  EXPECT_EQ(PvLineText(r), "info depth 2 seldepth 2 time 0 score mate 1 lowerbound wdl 1000 0 0 nodes 40 hashfull 0 pv e2e4");
+  EXPECT_EQ(PvLineText(r),
+            "info depth 2 seldepth 2 time 0 score mate 1 lowerbound wdl 1000 0 0 nodes 40 hashfull 0 pv e2e4");
   r.bound = PV_EXACT;
   r.score = -32498;
   EXPECT_EQ(PvLineText(r), "info depth 2 seldepth 2 time 0 score mate -1 wdl 0 0 1000 nodes 40 hashfull 0 pv e2e4");
