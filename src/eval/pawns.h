@@ -1,5 +1,6 @@
 // Pawn structure: everything the evaluation derives from the pawns, the two
-// king squares and the castling rights, cached per search thread by pawn key.
+// king squares and the castling rights, cached per search thread by pawn key,
+// with the part that depends on the pawns alone cached behind it.
 #pragma once
 
 #include <cstdint>
