@@ -101,8 +101,8 @@ uint64_t PerftWalk(PerftCounters& c, SearchState& st, Position& pos, SearchStack
   // The picker with complete promotion sets, so that the counts are those of
   // a full move-path enumeration.
   MovePicker mp;
-  StartPicker<Us, true>(mp, pos, ai, *st.history, depth, MOVE_NONE, Move(ss->killers[0]), Move(ss->killers[1]), counter0,
-                  counter1);
+  StartPicker<Us, true>(mp, pos, ai, *st.history, nullptr, depth, MOVE_NONE, Move(ss->killers[0]),
+                        Move(ss->killers[1]), counter0, counter1);
   Move quiets[MAX_QUIETS];
   int quiet_count = 0;
   Move chosen = MOVE_NONE;

@@ -51,6 +51,8 @@ Value QSearch(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Valu
       if (v != VALUE_INFINITE && v >= beta) return v;
     }
   }
+  // The table's move is searched first: its entry is asked for while this node evaluates.
+  if (tt_move) st.table->prefetch(pos.KeyAfter(tt_move));
 
   const Value alpha_start = alpha;
   Value best_value = -VALUE_MATE - 1;
@@ -63,7 +65,7 @@ Value QSearch(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Valu
   }
 
   MovePicker mp;
-  StartQPicker<Us>(mp, pos, ai, *st.history, qdepth, tt_move);
+  StartQPicker<Us>(mp, pos, ai, *st.history, st.table, qdepth, tt_move);
   Move best_move = MOVE_NONE;
 
   while (const Move m = NextMove<Us>(mp)) {
@@ -82,7 +84,6 @@ Value QSearch(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Valu
       continue;
     }
 
-    st.table->prefetch(pos.KeyAfter(m));
     ss->current_move = m;
     pos.DoMove<Us>(m);
     const Value v = g ? -QSearch<HwPopcnt, Limited, Them, PvNode, true>(st, pos, ss + 1, -beta, -alpha, qdepth - 1)

@@ -120,8 +120,10 @@ Value SearchRoot(SearchState& st, Position& pos, SearchStack* ss, Value alpha, V
   const uint32_t* counters = CounterSlot(st, pos, Move((ss - 1)->current_move));
   const Move counter0 = Move(counters[0]), counter1 = Move(counters[1]);
   MovePicker mp;
-  StartPicker<Us, true>(mp, pos, ai, *st.history, depth, tt_move, Move(ss->killers[0]), Move(ss->killers[1]),
-                        counter0, counter1);
+  // No table: the loop below prefetches each root move itself, also the
+  // moves of limited play's first iteration, which bypass the picker.
+  StartPicker<Us, true>(mp, pos, ai, *st.history, nullptr, depth, tt_move, Move(ss->killers[0]),
+                        Move(ss->killers[1]), counter0, counter1);
 
   Move quiets[MAX_QUIETS];
   int quiet_count = 0, move_count = 0;

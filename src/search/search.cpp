@@ -100,6 +100,11 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
     }
   }
 
+  // The table's move is usually searched first, and a null move is tried at
+  // many cut nodes: their entries are asked for while this node evaluates.
+  if (tt_move) st.table->prefetch(pos.KeyAfter(tt_move));
+  if (Prunes && depth >= 8) st.table->prefetch(key ^ zobrist_side);
+
   // Tablebase probe after a capture or promotion; strength-limited play never probes.
   if (!Limited && tb_hook.probe_limit && is_tactical(Move((ss - 1)->current_move)) &&
       popcount<HwPopcnt>(pos.occupied()) <= tb_hook.probe_limit) {
@@ -163,7 +168,7 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
     if (depth >= 20 && !is_tactical(Move((ss - 1)->current_move)) && std::abs(beta) < VALUE_MATE_BOUND) {
       const Value rbeta = std::min(beta + 192, VALUE_MATE + 1);
       MovePicker mp;
-      StartQPicker<Us>(mp, pos, ai, *st.history, -1, is_tactical(tt_move) ? tt_move : MOVE_NONE);
+      StartQPicker<Us>(mp, pos, ai, *st.history, st.table, -1, is_tactical(tt_move) ? tt_move : MOVE_NONE);
       while (const Move m = NextMove<Us>(mp)) {
         if (!IsLegal<Us>(pos, m, ai)) continue;
         if ((ai.attacked_by(Them) & (Bitboard(1) << to_sq(m))) &&
@@ -216,7 +221,7 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
   const Move counter0 = Move(counters[0]), counter1 = Move(counters[1]);
 
   MovePicker mp;
-  StartPicker<Us>(mp, pos, ai, *st.history, depth, tt_move, Move(ss->killers[0]), Move(ss->killers[1]), counter0,
+  StartPicker<Us>(mp, pos, ai, *st.history, st.table, depth, tt_move, Move(ss->killers[0]), Move(ss->killers[1]), counter0,
                   counter1);
 
   const Value alpha_start = alpha;
@@ -231,7 +236,6 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
   while (const Move m = NextMove<Us>(mp)) {
     if (Exclusion && m == ss->excluded_move) continue;
     if (Limited && OverlooksMove(st, pos, ss, m, InCheck)) continue;
-    st.table->prefetch(pos.KeyAfter(m));
     if (!IsLegal<Us>(pos, m, ai)) continue;
     ++move_count;
     if (PvNode) (ss + 1)->pv = nullptr;

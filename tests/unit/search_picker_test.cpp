@@ -44,16 +44,23 @@ TEST(PickerSort, LargestFirstAndEqualEntriesKeepTheirOrder) {
 }
 
 // Moves the main-search picker yields (qdepth unset), or the quiescence picker's at qdepth.
+// A picker that prefetches the children's table entries must yield the same moves as one that does not.
 std::vector<Move> Picked(const Position& pos, const HistoryTable& h, int depth, Move tt, Move k0 = MOVE_NONE,
                          Move k1 = MOVE_NONE, Move c0 = MOVE_NONE, Move c1 = MOVE_NONE, int qdepth = 1) {
+  static TranspositionTable table;
+  if (!table.cluster_count()) table.resize(1);
   AttackInfo ai;
   ComputeAttackInfo(pos, ai);
   static MovePicker mp;
-  if (qdepth <= 0) StartQPicker<WHITE>(mp, pos, ai, h, qdepth, tt);
-  else StartPicker<WHITE>(mp, pos, ai, h, depth, tt, k0, k1, c0, c1);
-  std::vector<Move> moves;
-  while (const Move m = NextMove<WHITE>(mp)) moves.push_back(m);
-  return moves;
+  std::vector<Move> runs[2];
+  for (int prefetching = 0; prefetching < 2; ++prefetching) {
+    const TranspositionTable* t = prefetching ? &table : nullptr;
+    if (qdepth <= 0) StartQPicker<WHITE>(mp, pos, ai, h, t, qdepth, tt);
+    else StartPicker<WHITE>(mp, pos, ai, h, t, depth, tt, k0, k1, c0, c1);
+    while (const Move m = NextMove<WHITE>(mp)) runs[prefetching].push_back(m);
+  }
+  EXPECT_EQ(runs[0], runs[1]);
+  return runs[0];
 }
 
 // Ra1 takes an undefended knight (winning), Nc3 takes a pawn defended by a
