@@ -568,8 +568,8 @@ int RunMatch(const MatchSettings& s) {
       return 2;
     }
   }
-  const int threads = std::min(s.concurrency, (s.games + 1) / 2);
-  std::unique_ptr<EngineProcess[]> engines(new EngineProcess[2 * threads]);
+  const int threads = std::max(1, std::min(s.concurrency, (s.games + 1) / 2));
+  std::unique_ptr<EngineProcess[]> engines(new EngineProcess[2 * size_t(threads)]);
   for (int i = 0; i < 2 * threads; ++i) {
     if (!StartEngine(engines[i], s.engines[i % 2], error)) {
       std::fprintf(stderr, "match: %s\n", error.c_str());

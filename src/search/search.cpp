@@ -221,8 +221,8 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
   const Move counter0 = Move(counters[0]), counter1 = Move(counters[1]);
 
   MovePicker mp;
-  StartPicker<Us>(mp, pos, ai, *st.history, st.table, depth, tt_move, Move(ss->killers[0]), Move(ss->killers[1]), counter0,
-                  counter1);
+  StartPicker<Us>(mp, pos, ai, *st.history, st.table, depth, tt_move, Move(ss->killers[0]), Move(ss->killers[1]),
+                  counter0, counter1);
 
   const Value alpha_start = alpha;
   const int row = PvNode ? 4 + improving : improving + 2 * cut_node;

@@ -59,7 +59,10 @@ class BasesLoader : public testing::Test {
     std::filesystem::remove_all(dir_);
   }
   static std::string path(const std::string& name) { return dir_ + "/" + name; }
-  static std::string loading(const std::string& name) { return "info string loading vorlaxenbases " + path(name); }
+  static std::string loading(const std::string& name) {
+    std::string line = "info string loading vorlaxenbases ";
+    return line += path(name);
+  }
 
   static inline std::string dir_;
 };

@@ -4,7 +4,7 @@
 // in tests/protocol/test_threads.py.
 #include <gtest/gtest.h>
 
-#include <regex>
+#include <sstream>
 
 #include "engine/bench.h"
 #include "engine/commands.h"
@@ -64,14 +64,20 @@ TEST_F(ThreadsTest, HelpersSearchAndTheOutputCountsTheirNodes) {
   for (size_t i = 1; i < pool.threads.size(); ++i) EXPECT_GT(uint64_t(pool.threads[i]->state->nodes), 0u);
   // The last iteration summary is written just before the search ends: by
   // then the helpers' nodes are in it, so it exceeds the main thread's own.
-  std::smatch m;
-  std::string last;
-  const std::regex summary("info time \\d+ nodes (\\d+)");
-  for (std::sregex_iterator it(out.begin(), out.end(), summary), end; it != end; ++it) last = (*it)[1];
-  ASSERT_FALSE(last.empty()) << out;
-  EXPECT_GT(std::stoull(last), uint64_t(state->nodes));
-  ASSERT_TRUE(std::regex_search(out, m, std::regex("bestmove (\\S+)")));
-  EXPECT_NE(ParseMove(position, m[1]), MOVE_NONE) << m[1];
+  uint64_t last = 0;
+  std::string best;
+  std::istringstream lines(out);
+  for (std::string line; std::getline(lines, line);) {
+    std::istringstream words(line);
+    std::string w[3];
+    words >> w[0] >> w[1];
+    if (w[0] == "bestmove") best = w[1];
+    uint64_t time = 0, nodes = 0;
+    if (w[0] == "info" && w[1] == "time" && words >> time >> w[2] >> nodes && w[2] == "nodes") last = nodes;
+  }
+  ASSERT_GT(last, 0u) << out;
+  EXPECT_GT(last, uint64_t(state->nodes));
+  EXPECT_NE(ParseMove(position, best), MOVE_NONE) << best;
 }
 
 TEST_F(ThreadsTest, StrengthLimitAndBenchSearchWithOneThread) {
