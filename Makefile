@@ -18,16 +18,24 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 60
 FUZZ_CXX := $(shell command -v clang++-14 2>/dev/null || command -v clang++ 2>/dev/null)
 
-# CXX on the command line or in the environment chooses the compiler, else the
-# system's c++. It is passed on every time, so that a plain "make" after a
-# "make CXX=..." goes back to the default compiler.
-BUILD_CXX := $(shell command -v $(if $(filter default,$(origin CXX)),c++,$(CXX)))
-# The profile-guided build needs GCC's -fprofile-prefix-path (GCC 11 and later);
-# any other compiler gets the plain build.
-PGO := $(shell echo 'int main() { return 0; }' | $(BUILD_CXX) -x c++ -fprofile-generate=/tmp/vorlaxen-pgo-probe \
-          -fprofile-prefix-path=/tmp - -o /dev/null 2>/dev/null && echo yes)
+# CXX on the command line or in the environment chooses the compiler. Else
+# clang++ where llvm-profdata lies beside it (clang's profile-guided build was
+# measured about 5 % faster than GCC's), else the system's c++. The choice is
+# passed on every time, so that a plain "make" after a "make CXX=..." goes back
+# to the default compiler.
+CLANG_WITH_PROFDATA := $(firstword $(foreach c,clang++ clang++-14,$(shell p=$$(command -v $(c)) && \
+          test -x "$$(dirname "$$(readlink -f "$$p")")/llvm-profdata" && echo $$p)))
+BUILD_CXX := $(shell command -v $(if $(filter default,$(origin CXX)),$(or $(CLANG_WITH_PROFDATA),c++),$(CXX)))
+# The profile-guided build: GCC needs -fprofile-prefix-path (GCC 11 and
+# later), clang the llvm-profdata beside it to merge the training runs'
+# profiles. Any other compiler gets the plain build.
+CLANG := $(shell $(BUILD_CXX) --version 2>/dev/null | grep -q clang && echo yes)
+PROFDATA := $(dir $(realpath $(BUILD_CXX)))llvm-profdata
+PGO := $(if $(CLANG),$(shell test -x $(PROFDATA) && echo clang),$(shell echo 'int main() { return 0; }' | \
+          $(BUILD_CXX) -x c++ -fprofile-generate=/tmp/vorlaxen-pgo-probe -fprofile-prefix-path=/tmp - -o /dev/null \
+          2>/dev/null && echo gcc))
 # The training run: the engine's own benchmark, two plies shallower than the
-# signature run so the build stays short.
+# signature run so the build stays short, once in each build of the engine.
 PGO_TRAIN := bench -2
 TARGET := $(if $(EXE),--target vorlaxen)
 
@@ -54,8 +62,11 @@ profile:
 	$(call configure,build/pgo,-DVORLAXEN_TESTS=OFF -DVORLAXEN_PGO=GENERATE -DVORLAXEN_PGO_DIR=$(CURDIR)/build/pgo/profile)
 	cmake --build build/pgo -j $(JOBS) --target vorlaxen
 	@if [ ! -f build/pgo/profile/trained ] || [ build/pgo/vorlaxen -nt build/pgo/profile/trained ]; then \
-	  echo "training run: build/pgo/vorlaxen $(PGO_TRAIN)"; \
-	  rm -rf build/pgo/profile && build/pgo/vorlaxen $(PGO_TRAIN) >/dev/null && touch build/pgo/profile/trained; \
+	  echo "training run: build/pgo/vorlaxen $(PGO_TRAIN), then with VORLAXEN_BUILD=base"; \
+	  rm -rf build/pgo/profile && mkdir -p build/pgo/profile && build/pgo/vorlaxen $(PGO_TRAIN) >/dev/null && \
+	  VORLAXEN_BUILD=base build/pgo/vorlaxen $(PGO_TRAIN) >/dev/null && \
+	  $(if $(CLANG),$(PROFDATA) merge -o build/pgo/profile/merged.profdata build/pgo/profile/*.profraw &&) \
+	  touch build/pgo/profile/trained; \
 	fi
 
 # Making the 3- and 4-men bases takes about two minutes on two cores, so

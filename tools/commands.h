@@ -9,6 +9,9 @@ namespace vx::dev {
 
 using Args = std::vector<std::string>;
 
+// The developer tool's program run, in whichever build is compiled.
+int RunDevTool(int argc, char** argv);
+
 int perft_command(const Args& args);
 int magics_command(const Args& args);
 int bench_command(const Args& args);

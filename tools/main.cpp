@@ -1,52 +1,22 @@
-// vorlaxen-dev: developer tool (perft, evaluation trace, bench of either build,
-// match runner).
-#include <cstdio>
+// vorlaxen-dev's program entry: the same choice of build as the engine's,
+// except that --portable (the bit count without popcnt) always runs the base
+// build, the one every x86-64 processor can run.
 #include <cstring>
-#include <functional>
-#include <map>
 
-#include "engine/startup.h"
+#include "engine/builds.h"
 #include "tools/commands.h"
 
-namespace {
-
-void usage() {
-  std::puts(
-      "usage: vorlaxen-dev COMMAND [ARGS...]\n"
-      "  perft DEPTH FEN...|startpos [--portable]   count leaf nodes per root move\n"
-      "  magics                                     print slider magic multipliers\n"
-      "  bench [--portable] [OFFSET]                 benchmark with the chosen bit-count build\n"
-      "  eval FEN...|startpos                       evaluation trace, term by term\n"
-      "  match --engine CMD ... --engine CMD ... --games N --tc BASE+INC [...]\n"
-      "                                             play a match between two UCI engines\n"
-      "  openings --count N --plies P --engine CMD [...]\n"
-      "                                             make balanced opening positions\n"
-      "  wdl-fit [--holdout K] PGN...               fit the win/draw/loss model on match games");
+#ifdef VORLAXEN_WITH_BMI2
+namespace vx_bmi2::dev {
+int RunDevTool(int argc, char** argv);
 }
-
-}  // namespace
+#endif
 
 int main(int argc, char** argv) {
-  using namespace vx::dev;
-  const std::map<std::string, std::function<int(const Args&)>> commands = {
-      {"perft", perft_command},
-      {"magics", magics_command},
-      {"bench", bench_command},
-      {"eval", eval_command},
-      {"match", match_command},
-      {"openings", openings_command},
-      {"wdl-fit", wdl_fit_command},
-  };
-  if (argc < 2) {
-    usage();
-    return 2;
-  }
-  auto it = commands.find(argv[1]);
-  if (it == commands.end()) {
-    std::fprintf(stderr, "vorlaxen-dev: unknown command '%s'\n", argv[1]);
-    usage();
-    return 2;
-  }
-  vx::InitStaticTables();
-  return it->second(Args(argv + 2, argv + argc));
+#ifdef VORLAXEN_WITH_BMI2
+  bool portable = false;
+  for (int i = 1; i < argc; ++i) portable = portable || std::strcmp(argv[i], "--portable") == 0;
+  if (!portable && vx::UseBmi2Build()) return vx_bmi2::dev::RunDevTool(argc, argv);
+#endif
+  return vx::dev::RunDevTool(argc, argv);
 }

@@ -3,6 +3,10 @@
 
 #include "board/bitboard.h"
 
+#ifdef __BMI2__
+#include <immintrin.h>
+#endif
+
 namespace vx {
 
 struct Position;
@@ -30,7 +34,13 @@ struct Magic {
   Bitboard magic;
   const Bitboard* table;
   unsigned shift;
+#ifdef __BMI2__
+  // Where pext exists the index is the masked occupancy packed into the low
+  // bits: the same table size per square as the multiplier gives.
+  unsigned index(Bitboard occ) const { return unsigned(_pext_u64(occ, mask)); }
+#else
   unsigned index(Bitboard occ) const { return unsigned(((occ & mask) * magic) >> shift); }
+#endif
 };
 extern Magic rook_magics[64];
 extern Magic bishop_magics[64];

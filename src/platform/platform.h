@@ -15,6 +15,11 @@ int64_t now_ms();
 // CPUID leaf 1, ECX bit 23: the processor has the popcnt instruction.
 bool cpu_has_popcnt();
 
+// The processor and the operating system run x86-64-v3 code (AVX, AVX2, BMI1,
+// BMI2, F16C, FMA, LZCNT, MOVBE, with the AVX registers saved by the system),
+// and pext is fast: AMD processors before family 19h run it in microcode.
+bool cpu_suits_bmi2_build();
+
 void sleep_ms(int ms);
 
 // A read-only mapping of a whole file. Empty (data == nullptr) on failure

@@ -6,6 +6,7 @@ instead of hanging it. start() gives a test its engine; run() executes the
 engine once in command-line mode.
 """
 import queue
+import os
 import subprocess
 import tempfile
 import threading
@@ -126,7 +127,9 @@ def start(case, path, cwd=None, timeout=DEFAULT_TIMEOUT):
     return engine
 
 
-def run(path, *args, stdin=b"", timeout=DEFAULT_TIMEOUT, cwd=None):
-    """Runs the engine to its end; returns (exit status, output lines)."""
-    r = subprocess.run([path, *args], input=stdin, capture_output=True, timeout=timeout, cwd=cwd)
+def run(path, *args, stdin=b"", timeout=DEFAULT_TIMEOUT, cwd=None, env=None):
+    """Runs the engine to its end; returns (exit status, output lines).
+    env: variables added to the environment."""
+    full_env = dict(os.environ, **env) if env else None
+    r = subprocess.run([path, *args], input=stdin, capture_output=True, timeout=timeout, cwd=cwd, env=full_env)
     return r.returncode, r.stdout.decode("utf-8", errors="replace").splitlines()

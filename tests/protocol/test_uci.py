@@ -17,15 +17,25 @@ def run_engine(*args, **kw):
         return run(ENGINE, *args, cwd=tmp, **kw)
 
 
-def cpu_has_popcnt():
+def cpu_info():
+    """(flags, vendor, family) of the first processor."""
+    info = {}
     with open("/proc/cpuinfo") as f:
         for line in f:
-            if line.startswith("flags"):
-                return "popcnt" in line.split()
-    return False
+            key, _, value = line.partition(":")
+            info.setdefault(key.strip(), value.strip())
+    return set(info.get("flags", "").split()), info.get("vendor_id", ""), int(info.get("cpu family", "0"))
 
 
-GREETING = "info string Hello from Vorlaxen 13 64 bit ASM" + (" HWPopCnt" if cpu_has_popcnt() else "")
+def runs_bmi2_build():
+    """The x86-64-v3 features (abm is LZCNT), and no AMD core before family 19h, whose pext is slow."""
+    flags, vendor, family = cpu_info()
+    needed = {"avx", "avx2", "bmi1", "bmi2", "fma", "f16c", "movbe", "abm", "xsave", "popcnt"}
+    return needed <= flags and not (vendor in ("AuthenticAMD", "HygonGenuine") and family < 0x19)
+
+
+BASE_GREETING = "info string Hello from Vorlaxen 13 64 bit ASM" + (" HWPopCnt" if "popcnt" in cpu_info()[0] else "")
+GREETING = BASE_GREETING + (" BMI2" if runs_bmi2_build() else "")
 
 UCI_LISTING = [
     "id name Vorlaxen 13 x64",
@@ -162,6 +172,10 @@ class Ending(unittest.TestCase):
 
 
 class CommandLineMode(unittest.TestCase):
+    def test_the_environment_can_ask_for_the_base_build(self):
+        self.assertEqual(run_engine("isready", env={"VORLAXEN_BUILD": "base"}), (0, [BASE_GREETING, NO_BASES, "readyok"]))
+        self.assertEqual(run_engine("isready", env={"VORLAXEN_BUILD": "other"}), (0, [GREETING, NO_BASES, "readyok"]))
+
     def test_arguments_run_as_one_command_and_standard_input_is_not_read(self):
         for args, answer in ((["uci"], UCI_LISTING), (["isready"], [NO_BASES, "readyok"]),
                              ("setoption name Hashes value 1".split(), ["option not found: Hashes"]),
