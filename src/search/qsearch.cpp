@@ -2,6 +2,7 @@
 
 #include "board/see.h"
 #include "eval/evaluate.h"
+#include "eval/pawns.h"
 #include "search/movepick.h"
 #include "search/search.h"
 #include "search/tt.h"
@@ -36,6 +37,8 @@ Value QSearch(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Valu
   ss->current_move = MOVE_NONE;
   const Key key = pos.state->key;
   const TTEntry tte = st.table->probe(key);
+  // The evaluation's first read, asked for while the table's entry is on its way.
+  if constexpr (!InCheck) PawnTable::prefetch(st.pawn_table, pos.state->pawn_key);
   const bool hit = tte.key32 != 0;
   const Move tt_move = hit && (is_tactical(tte.move) || qdepth == 0) ? tte.move : MOVE_NONE;
   // Quiescence drafts stay below every main-search draft.

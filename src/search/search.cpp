@@ -7,6 +7,7 @@
 #include "board/see.h"
 #include "eval/evaluate.h"
 #include "eval/material.h"
+#include "eval/pawns.h"
 #include "search/history.h"
 #include "search/movepick.h"
 #include "search/periodic.h"
@@ -83,6 +84,8 @@ Value Search(SearchState& st, Position& pos, SearchStack* ss, Value alpha, Value
   Key key = pos.state->key;
   if constexpr (Exclusion) key ^= exclusion_key[from_sq(ss->excluded_move)] ^ exclusion_key[to_sq(ss->excluded_move)];
   TTEntry tte = st.table->probe(key);
+  // The evaluation's first read, asked for while the table's entry is on its way.
+  if constexpr (!InCheck) PawnTable::prefetch(st.pawn_table, pos.state->pawn_key);
   bool hit = tte.key32 != 0;
   Move tt_move = hit ? tte.move : MOVE_NONE;
 
