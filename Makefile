@@ -11,6 +11,11 @@
 #               build of the engine (races on table entries are expected)
 #   make test-tables  compare the Syzygy tables with the engine's own generator
 #               position by position (minutes; the first run also generates)
+#   make windows    build-windows/vorlaxen.exe, the Windows engine (MinGW-w64)
+#   make arm64      build-arm64/vorlaxen, the 64-bit ARM Linux engine
+#   make test-windows / test-arm64  run them under Wine / qemu-aarch64 and
+#               check them against the native engine
+#   make dist   the three engines, statically linked and bench-checked, in dist/
 #   make mutate plant each bug of tests/mutation/mutants.txt in a copy of the
 #               sources and report the test that catches it (long; MUTANTS=word
 #               runs only the mutants whose name contains the word)
@@ -39,7 +44,7 @@ PGO := $(if $(CLANG),$(shell test -x $(PROFDATA) && echo clang),$(shell echo 'in
 PGO_TRAIN := bench -2
 TARGET := $(if $(EXE),--target vorlaxen)
 
-.PHONY: all run bases test test-release test-sanitize test-tsan test-fuzz-smoke fuzz fuzz-build test-tables mutate clean
+.PHONY: all run bases windows arm64 dist test-windows test-arm64 test test-release test-sanitize test-tsan test-fuzz-smoke fuzz fuzz-build test-tables mutate clean
 
 # Configures build directory $(1) for Release with the chosen compiler and the
 # options $(2). CMake forgets the options given together with a new compiler,
@@ -55,19 +60,24 @@ all: $(if $(PGO),profile)
 	cmake --build build -j $(JOBS) $(TARGET)
 	$(if $(EXE),cp build/vorlaxen $(EXE))
 
-# The instrumented engine in build/pgo; its training run is repeated only when
-# the instrumented binary has changed since the last one.
+# The training run of instrumented engine $(1)/vorlaxen$(3), started through
+# runner $(2), into $(1)/profile; repeated only when the instrumented binary
+# has changed since the last one. $(4): the command that merges the profiles.
+define train
+	@if [ ! -f $(1)/profile/trained ] || [ $(1)/vorlaxen$(3) -nt $(1)/profile/trained ]; then \
+	  echo "training run: $(1)/vorlaxen$(3) $(PGO_TRAIN), then with VORLAXEN_BUILD=base"; \
+	  rm -rf $(1)/profile && mkdir -p $(1)/profile && $(2) $(1)/vorlaxen$(3) $(PGO_TRAIN) >/dev/null && \
+	  VORLAXEN_BUILD=base $(2) $(1)/vorlaxen$(3) $(PGO_TRAIN) >/dev/null && \
+	  $(4) touch $(1)/profile/trained; \
+	fi
+endef
+
+# The instrumented engine in build/pgo and its training run.
 .PHONY: profile
 profile:
 	$(call configure,build/pgo,-DVORLAXEN_TESTS=OFF -DVORLAXEN_PGO=GENERATE -DVORLAXEN_PGO_DIR=$(CURDIR)/build/pgo/profile)
 	cmake --build build/pgo -j $(JOBS) --target vorlaxen
-	@if [ ! -f build/pgo/profile/trained ] || [ build/pgo/vorlaxen -nt build/pgo/profile/trained ]; then \
-	  echo "training run: build/pgo/vorlaxen $(PGO_TRAIN), then with VORLAXEN_BUILD=base"; \
-	  rm -rf build/pgo/profile && mkdir -p build/pgo/profile && build/pgo/vorlaxen $(PGO_TRAIN) >/dev/null && \
-	  VORLAXEN_BUILD=base build/pgo/vorlaxen $(PGO_TRAIN) >/dev/null && \
-	  $(if $(CLANG),$(PROFDATA) merge -o build/pgo/profile/merged.profdata build/pgo/profile/*.profraw &&) \
-	  touch build/pgo/profile/trained; \
-	fi
+	$(call train,build/pgo,,,$(if $(CLANG),$(PROFDATA) merge -o build/pgo/profile/merged.profdata build/pgo/profile/*.profraw &&))
 
 # Making the 3- and 4-men bases takes about two minutes on two cores, so
 # "run" only points at them when they are missing.
@@ -122,5 +132,55 @@ test-tables: all
 mutate:
 	JOBS=$(JOBS) tests/mutation/run $(MUTANTS)
 
+# The other platforms, cross-compiled here and run under Wine and qemu-user
+# (Debian: g++-mingw-w64-x86-64-posix, wine, wine64, g++-aarch64-linux-gnu,
+# qemu-user). Both programs are linked statically.
+WINE := WINEDEBUG=-all WINEPREFIX=$(CURDIR)/build-windows/wine wine
+CROSS = -DCMAKE_BUILD_TYPE=Release -DCMAKE_TOOLCHAIN_FILE=$(CURDIR)/cmake/$(1).cmake -DVORLAXEN_TESTS=OFF -DVORLAXEN_STATIC=ON
+
+# The Windows engine: MinGW-w64's GCC, optimised at link time and profile-
+# guided, the training run under Wine.
+windows:
+	cmake -S . -B build-windows/pgo $(call CROSS,mingw-w64-x86_64) -DVORLAXEN_PGO=GENERATE \
+	  -DVORLAXEN_PGO_DIR=$(CURDIR)/build-windows/pgo/profile >/dev/null
+	cmake --build build-windows/pgo -j $(JOBS) --target vorlaxen
+	$(call train,build-windows/pgo,$(WINE),.exe,)
+	cmake -S . -B build-windows $(call CROSS,mingw-w64-x86_64) -DVORLAXEN_PGO=USE \
+	  -DVORLAXEN_PGO_DIR=$(CURDIR)/build-windows/pgo/profile >/dev/null
+	cmake --build build-windows -j $(JOBS) --target vorlaxen
+
+# The ARM64 Linux engine: optimised at link time, no profile (training under
+# emulation would take longer than the build).
+arm64:
+	cmake -S . -B build-arm64 $(call CROSS,aarch64-linux-gnu) >/dev/null
+	cmake --build build-arm64 -j $(JOBS) --target vorlaxen
+
+test-windows: windows all
+	python3 tests/protocol/test_platforms.py windows build-windows/vorlaxen.exe build/vorlaxen build/vorlaxen-tbgen
+	python3 tests/protocol/isa_scan.py build-windows/vorlaxen.exe x86_64-w64-mingw32-objdump
+
+test-arm64: arm64 all
+	python3 tests/protocol/test_platforms.py arm64 build-arm64/vorlaxen build/vorlaxen
+
+# Release files: each program is kept only when its bench, run where it runs,
+# prints the signature.
+SIGNATURE := 31765960
+define dist_check
+	$(2) $(1) bench 2>/dev/null | grep -qx "Nodes searched  : $(SIGNATURE)" || \
+	  { echo "$(1): bench signature is not $(SIGNATURE)"; rm -f $(1); exit 1; }
+endef
+dist: $(if $(PGO),profile) windows arm64
+	$(call configure,build-dist,-DVORLAXEN_TESTS=OFF -DVORLAXEN_STATIC=ON -DVORLAXEN_PGO=$(if $(PGO),USE) \
+	  -DVORLAXEN_PGO_DIR=$(CURDIR)/build/pgo/profile)
+	cmake --build build-dist -j $(JOBS) --target vorlaxen
+	mkdir -p dist && rm -f dist/*
+	cp build-dist/vorlaxen dist/vorlaxen-linux-x86-64
+	cp build-windows/vorlaxen.exe dist/vorlaxen-windows-x86-64.exe
+	cp build-arm64/vorlaxen dist/vorlaxen-linux-arm64
+	$(call dist_check,dist/vorlaxen-linux-x86-64,)
+	$(call dist_check,dist/vorlaxen-windows-x86-64.exe,$(WINE))
+	$(call dist_check,dist/vorlaxen-linux-arm64,qemu-aarch64)
+	cd dist && sha256sum vorlaxen-* > SHA256SUMS && cat SHA256SUMS
+
 clean:
-	rm -rf build build-sanitize build-fuzz build-tsan build-mutate
+	rm -rf build build-sanitize build-fuzz build-tsan build-mutate build-windows build-arm64 build-dist dist

@@ -3,7 +3,7 @@
 
 #include "board/bitboard.h"
 
-#ifdef __BMI2__
+#ifdef VORLAXEN_BMI2
 #include <immintrin.h>
 #endif
 
@@ -34,7 +34,7 @@ struct Magic {
   Bitboard magic;
   const Bitboard* table;
   unsigned shift;
-#ifdef __BMI2__
+#ifdef VORLAXEN_BMI2
   // Where pext exists the index is the masked occupancy packed into the low
   // bits: the same table size per square as the multiplier gives.
   unsigned index(Bitboard occ) const { return unsigned(_pext_u64(occ, mask)); }

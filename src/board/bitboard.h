@@ -1,7 +1,8 @@
 // Bit operations on bitboards. The population count exists in two builds:
-// HwPopcnt = true uses the processor's popcnt instruction through inline
-// assembly (no translation unit needs -mpopcnt, so the program still starts on
-// processors without it), HwPopcnt = false a portable bit count. Evaluation,
+// HwPopcnt = true uses the processor's bit-count instruction (on x86-64
+// popcnt through inline assembly, so that no translation unit needs -mpopcnt
+// and the program still starts on processors without it; elsewhere the
+// compiler's builtin), HwPopcnt = false a portable bit count. Evaluation,
 // search and perft carry the choice as a template parameter.
 #pragma once
 
@@ -12,9 +13,13 @@ namespace vx {
 template <bool HwPopcnt>
 inline int popcount(Bitboard b) {
   if constexpr (HwPopcnt) {
+#if defined(__x86_64__)
     uint64_t r;
     __asm__("popcntq %1, %0" : "=r"(r) : "r"(b) : "cc");
     return int(r);
+#else
+    return __builtin_popcountll(b);
+#endif
   } else {
     b = b - ((b >> 1) & 0x5555555555555555ULL);
     b = (b & 0x3333333333333333ULL) + ((b >> 2) & 0x3333333333333333ULL);

@@ -63,7 +63,7 @@ bool AnswerByOnePly(const CChessPosition& q, int depth, int& result) {
 }
 
 bool ProbeTable(const CChessPosition& q, int depth, int& result) {
-  const BaseTable* t = base_registry.find(MaterialOf(q).signature());
+  const BaseTable* t = base_registry().find(MaterialOf(q).signature());
   if (!t) return false;
   if (!t->has_part(q.white_to_move() ? 0 : 1)) return AnswerByOnePly(q, depth, result);
   return ProbeStoredPart(*t, q, result);
@@ -92,7 +92,7 @@ int ProbeForSide(const Position& pos, int& success) {
   success = 0;
   const Bitboard kings = pos.of(WHITE, KING) | pos.of(BLACK, KING);
   const int men = __builtin_popcountll(pos.occupied());
-  if (men > base_registry.largest_men()) return 0;
+  if (men > base_registry().largest_men()) return 0;
   if (!(pos.occupied() & ~kings)) {
     success = 1;
     return 0;

@@ -2,7 +2,10 @@
 
 namespace vx {
 
-BaseRegistry base_registry;
+BaseRegistry& base_registry() {
+  static BaseRegistry registry;
+  return registry;
+}
 
 void BaseRegistry::clear() {
   for (int i = 0; i < count_; ++i) table_[i].reset();

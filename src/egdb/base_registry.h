@@ -54,6 +54,9 @@ class BaseRegistry {
   int largest_men_ = 0;
 };
 
-extern BaseRegistry base_registry;
+// The one registry, made on first use: a global object would be built and
+// destroyed in every processor-level build of the program, also in the one
+// the processor cannot run.
+BaseRegistry& base_registry();
 
 }  // namespace vx

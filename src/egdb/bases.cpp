@@ -122,14 +122,14 @@ bool RegistryHasRoom(const std::vector<BaseRecord>& records) {
   std::vector<uint32_t> added;
   for (const BaseRecord& r : records) {
     const uint32_t sig = r.material.signature();
-    if (!base_registry.find(sig) && std::find(added.begin(), added.end(), sig) == added.end()) added.push_back(sig);
+    if (!base_registry().find(sig) && std::find(added.begin(), added.end(), sig) == added.end()) added.push_back(sig);
   }
-  return base_registry.size() + int(added.size()) <= MAX_BASE_TABLES;
+  return base_registry().size() + int(added.size()) <= MAX_BASE_TABLES;
 }
 
 void EnterRecords(std::vector<BaseRecord>& records) {
   for (BaseRecord& r : records) {
-    BaseTable* t = base_registry.table_for(r.material);
+    BaseTable* t = base_registry().table_for(r.material);
     const int black_to_move = r.name.white_to_move ? 0 : 1;
     t->part[r.name.subtable][black_to_move] = std::move(r.part);
     t->lead_white[black_to_move] = r.name.lead_white;
@@ -176,9 +176,9 @@ void LoadDirectory(std::string dir) {
 
 }  // namespace
 
-void FreeVorlaxenbases() { base_registry.clear(); }
+void FreeVorlaxenbases() { base_registry().clear(); }
 
-int VorlaxenbasesLargestMen() { return base_registry.largest_men(); }
+int VorlaxenbasesLargestMen() { return base_registry().largest_men(); }
 
 BaseFileStatus LoadBaseFile(const std::string& path) {
   std::vector<uint8_t> bytes;
@@ -207,8 +207,8 @@ void LoadVorlaxenbases(const std::string& path) {
     LoadListFile(path);
   else
     LoadDirectory(path);
-  const uint64_t megabytes = (base_registry.estimated_memory() + 8) / 1048576;
-  WriteLine("info string vorlaxenbasses with " + std::to_string(base_registry.largest_men()) + " men found (" +
+  const uint64_t megabytes = (base_registry().estimated_memory() + 8) / 1048576;
+  WriteLine("info string vorlaxenbasses with " + std::to_string(base_registry().largest_men()) + " men found (" +
             std::to_string(megabytes) + " MB)");
 }
 

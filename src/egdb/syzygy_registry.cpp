@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "egdb/syzygy.h"
@@ -33,13 +34,13 @@ std::mutex load_mutex;
 
 HashSlot* Bucket(Key key) { return table_hash[key >> (64 - HASH_BITS)]; }
 
-// Directories of the path list: ";" separates them, and ":" as well, the
-// separator of path lists on this system. Empty entries are skipped.
+// Directories of the path list: ";" separates them, and ":" as well where
+// the system's paths hold none (not on Windows). Empty entries are skipped.
 std::vector<std::string> SplitPath(const std::string& path) {
   std::vector<std::string> dirs;
   std::string dir;
   for (const char c : path + ";") {
-    if (c != ';' && c != ':') {
+    if (std::string_view(platform::PATH_LIST_SEPARATORS).find(c) == std::string_view::npos) {
       dir += c;
     } else if (!dir.empty()) {
       dirs.push_back(dir);

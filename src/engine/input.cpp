@@ -17,6 +17,8 @@ void InputHandler::Input() {
   std::string line;
   while (line != "quit") {
     if (!std::getline(std::cin, line)) line = "quit";
+    // A GUI on Windows ends its lines with "\r\n": the same command.
+    if (!line.empty() && line.back() == '\r') line.pop_back();
     Push(line);
   }
   reader_running_ = false;

@@ -1,52 +1,21 @@
 #include "search/tt.h"
 
-#include <sys/mman.h>
-#include <sys/resource.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <iostream>
+
+#include "platform/platform.h"
 
 namespace vx {
 
 namespace {
 
 constexpr uint64_t MB = uint64_t(1) << 20;
+// The table starts on a huge-page boundary, so that the system can back it
+// with huge pages.
 constexpr uint64_t HUGE_PAGE = 2 * MB;
-
-// The table is mapped with room to start it on a huge-page boundary, so that
-// the kernel can back it with huge pages: fewer page faults while it fills and
-// fewer translation misses while the search probes it.
-uint64_t mapping_size(uint64_t count) { return count * sizeof(TTCluster) + HUGE_PAGE; }
-
-uint64_t read_limit_file(const char* path) {
-  std::ifstream in(path);
-  uint64_t v = 0;
-  if (in >> v) return v;
-  return UINT64_MAX;  // missing file or "max"
-}
-
-// The most memory the table may take without risking the out-of-memory
-// killer: physical memory (or a smaller control-group limit) less some room
-// for the rest of the process and the system, and any address-space or data
-// limit set on the process.
-uint64_t usable_memory() {
-  long pages = sysconf(_SC_PHYS_PAGES), page_size = sysconf(_SC_PAGESIZE);
-  uint64_t total = pages > 0 && page_size > 0 ? uint64_t(pages) * uint64_t(page_size) : UINT64_MAX;
-  total = std::min({total, read_limit_file("/sys/fs/cgroup/memory.max"),
-                    read_limit_file("/sys/fs/cgroup/memory/memory.limit_in_bytes")});
-  const uint64_t headroom = std::max(total / 8, 512 * MB);
-  uint64_t usable = total > headroom ? total - headroom : 0;
-  for (int resource : {RLIMIT_AS, RLIMIT_DATA}) {
-    rlimit rl;
-    if (getrlimit(resource, &rl) == 0 && rl.rlim_cur != RLIM_INFINITY) usable = std::min(usable, uint64_t(rl.rlim_cur));
-  }
-  return usable;
-}
 
 [[noreturn]] void allocation_failed(uint32_t megabytes) {
   std::cout << "Error allocating hash memory (" << megabytes << " mb" << std::endl;
@@ -59,8 +28,7 @@ uint64_t usable_memory() {
 TranspositionTable::~TranspositionTable() { release(); }
 
 void TranspositionTable::release() {
-  if (memory_) munmap(memory_, mapping_size(cluster_count_));
-  memory_ = nullptr;
+  platform::free_large(memory_);
   table_ = nullptr;
 }
 
@@ -72,15 +40,12 @@ void TranspositionTable::resize(uint32_t megabytes) {
   release();
   cluster_count_ = count;
   const uint64_t size = count * sizeof(TTCluster);
-  if (size > usable_memory()) allocation_failed(megabytes);
-  // Anonymous pages arrive zero-filled.
-  void* p = mmap(nullptr, mapping_size(count), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE,
-                 -1, 0);
-  if (p == MAP_FAILED) allocation_failed(megabytes);
-  memory_ = p;
-  const uintptr_t aligned = (reinterpret_cast<uintptr_t>(p) + HUGE_PAGE - 1) & ~(HUGE_PAGE - 1);
-  table_ = reinterpret_cast<TTCluster*>(aligned);
-  madvise(table_, size, MADV_HUGEPAGE);
+  // Beyond what the system can back, the out-of-memory handling would end
+  // the process in the middle of a search.
+  if (size > platform::usable_memory()) allocation_failed(megabytes);
+  memory_ = platform::allocate_large(size, HUGE_PAGE);
+  if (!memory_.aligned) allocation_failed(megabytes);
+  table_ = static_cast<TTCluster*>(memory_.aligned);
 }
 
 void TranspositionTable::clear() { std::memset(table_, 0, cluster_count_ * sizeof(TTCluster)); }

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "board/types.h"
+#include "platform/platform.h"
 
 namespace vx {
 
@@ -86,7 +87,7 @@ class TranspositionTable {
 
   uint64_t cluster_count_ = 0;
   TTCluster* table_ = nullptr;
-  void* memory_ = nullptr;
+  platform::LargeMemory memory_;
   uint16_t generation_ = 0;
 };
 

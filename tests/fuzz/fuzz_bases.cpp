@@ -59,10 +59,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::ofstream(path, std::ios::binary | std::ios::trunc).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
   FreeVorlaxenbases();
   LoadBaseFile(path);
-  for (int i = 0; i < base_registry.size(); ++i)
+  for (int i = 0; i < base_registry().size(); ++i)
     for (int salt = 0; salt < 6; ++salt) {
       CChessPosition p;
-      Place(*base_registry.at(i), data, size, salt, p);
+      Place(*base_registry().at(i), data, size, salt, p);
       int result = 0;
       ProbeLibraryPosition(p, result);
     }

@@ -133,3 +133,16 @@ def run(path, *args, stdin=b"", timeout=DEFAULT_TIMEOUT, cwd=None, env=None):
     full_env = dict(os.environ, **env) if env else None
     r = subprocess.run([path, *args], input=stdin, capture_output=True, timeout=timeout, cwd=cwd, env=full_env)
     return r.returncode, r.stdout.decode("utf-8", errors="replace").splitlines()
+
+
+def per_position(output):
+    """(nodes of the last info line, bestmove line) of every searched position
+    of a bench's or a search's output text."""
+    result, nodes = [], None
+    for line in output.splitlines():
+        words = line.split()
+        if words[:1] == ["info"] and "nodes" in words:
+            nodes = int(words[words.index("nodes") + 1])
+        if line.startswith("bestmove"):
+            result.append((nodes, line))
+    return result

@@ -73,7 +73,7 @@ VerifyResult VerifyMaterial(const Solution& s, int threads) {
   const SolverLayout& l = s.layout;
   // Positions of a left-out part are answered by the one-ply search over
   // parts verified here; their mirror images would only repeat those probes.
-  const BaseTable* table = base_registry.find(l.material.signature());
+  const BaseTable* table = base_registry().find(l.material.signature());
   const bool stored[2] = {table && table->has_part(WHITE), table && table->has_part(BLACK)};
   std::atomic<uint64_t> probed{0}, bad{0};
   std::mutex first_lock;
