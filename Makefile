@@ -166,7 +166,7 @@ test-arm64: arm64 all
 # prints the signature.
 SIGNATURE := 31765960
 define dist_check
-	$(2) $(1) bench 2>/dev/null | grep -qx "Nodes searched  : $(SIGNATURE)" || \
+	$(2) $(1) bench 2>/dev/null | tr -d '\r' | grep -qx "Nodes searched  : $(SIGNATURE)" || \
 	  { echo "$(1): bench signature is not $(SIGNATURE)"; rm -f $(1); exit 1; }
 endef
 dist: $(if $(PGO),profile) windows arm64
@@ -178,6 +178,8 @@ dist: $(if $(PGO),profile) windows arm64
 	cp build-windows/vorlaxen.exe dist/vorlaxen-windows-x86-64.exe
 	cp build-arm64/vorlaxen dist/vorlaxen-linux-arm64
 	$(call dist_check,dist/vorlaxen-linux-x86-64,)
+	python3 tests/protocol/isa_scan.py dist/vorlaxen-linux-x86-64
+	python3 tests/protocol/isa_scan.py dist/vorlaxen-windows-x86-64.exe x86_64-w64-mingw32-objdump
 	$(call dist_check,dist/vorlaxen-windows-x86-64.exe,$(WINE))
 	$(call dist_check,dist/vorlaxen-linux-arm64,qemu-aarch64)
 	cd dist && sha256sum vorlaxen-* > SHA256SUMS && cat SHA256SUMS

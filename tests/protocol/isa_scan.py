@@ -26,9 +26,9 @@ NOT_AVX = {"verr", "verw"}  # old protected-mode instructions that start with "v
 # Code of the BMI2 build: the namespace, its const/volatile members, local
 # entities and lambdas (_ZZ), and thunks (_ZTh, _ZTv, _ZTc).
 BMI2_BUILD = re.compile(r"^_Z(Z|T[hvc][^N]*)?N[KVrRO]*7vx_bmi2")
-# The C library of a statically linked program picks its string functions by
-# processor at run time (their names end in the instruction set they use).
-LIBC_MULTIARCH = re.compile(r"^__\w+_(avx|avx2|avx512\w*|evex\w*|sse4_[12]|ssse3|erms|rtm|unaligned\w*)$")
+# The C library of a statically linked program picks its string and maths
+# functions by processor at run time (their names end in the instruction set they use).
+LIBC_MULTIARCH = re.compile(r"^__?\w+_(avx\w*|evex\w*|sse4\w*|ssse3|fma4?|erms|rtm|unaligned\w*)$")
 
 
 def functions_with_newer_instructions(binary, objdump="objdump"):
