@@ -307,7 +307,7 @@ int record_game(MatchState& st, int number, int white_engine, const Game& game, 
     char llr[64];
     std::snprintf(llr, sizeof llr, ", LLR %.2f", SprtLlr(s.sprt, TrialsOf(st.pairs)));
     line += llr;
-    if (pair_first >= 0) st.decision = SprtDecide(s.sprt, TrialsOf(st.pairs));
+    if (pair_first >= 0) st.decision = SprtNext(st.decision, s.sprt, TrialsOf(st.pairs));
     if (st.decision != SprtDecision::CONTINUE) st.stop = true;
   }
   std::printf("%s\n", line.c_str());

@@ -10,6 +10,16 @@ namespace {
 constexpr double Z95 = 1.959963984540054;  // two-sided 95% quantile of the normal distribution
 constexpr double INF = std::numeric_limits<double>::infinity();
 
+// The counts the statistics are taken on. With a single kind of result the
+// variance is zero; half a trial of each kind as a prior keeps every
+// statistic finite and its interval open.
+Trials Regularised(const Trials& observed) {
+  Trials t = observed;
+  if (t.n() > 0 && t.variance() <= 0)
+    for (int i = 0; i < t.kinds; ++i) t.count[i] += 0.5;
+  return t;
+}
+
 }  // namespace
 
 double Trials::n() const {
@@ -63,7 +73,8 @@ double ScoreFromElo(double elo) { return 1.0 / (1.0 + std::pow(10.0, -elo / 400.
 
 double ScoreVariance(const MatchCounts& c) { return TrialsOf(c).variance(); }
 
-EloEstimate EstimateElo(const Trials& t) {
+EloEstimate EstimateElo(const Trials& observed) {
+  const Trials t = Regularised(observed);
   const double s = t.mean();
   const double margin = t.n() > 0 ? Z95 * std::sqrt(t.variance() / t.n()) : 0.5;
   return {EloFromScore(s), EloFromScore(s - margin), EloFromScore(s + margin)};
@@ -71,18 +82,19 @@ EloEstimate EstimateElo(const Trials& t) {
 
 EloEstimate EstimateElo(const MatchCounts& c) { return EstimateElo(TrialsOf(c)); }
 
-EloEstimate EstimateNormalizedElo(const Trials& t) {
+EloEstimate EstimateNormalizedElo(const Trials& observed) {
+  const Trials t = Regularised(observed);
   const double scale = 800.0 / std::log(10.0);
   const double deviation = std::sqrt(t.games_per_trial * t.variance());
-  const double distance = t.mean() - 0.5;
-  const double nelo = deviation > 0 ? distance / deviation * scale : distance == 0 ? 0 : distance > 0 ? INF : -INF;
+  const double nelo = deviation > 0 ? (t.mean() - 0.5) / deviation * scale : 0;
   const double margin = t.n() > 0 ? Z95 * scale / std::sqrt(t.games_per_trial * t.n()) : INF;
   return {nelo, nelo - margin, nelo + margin};
 }
 
-double LikelihoodOfSuperiority(const Trials& t) {
+double LikelihoodOfSuperiority(const Trials& observed) {
+  const Trials t = Regularised(observed);
   const double distance = t.mean() - 0.5, var = t.variance();
-  if (var <= 0) return distance > 0 ? 1 : distance < 0 ? 0 : 0.5;
+  if (var <= 0) return 0.5;  // no trials
   return 0.5 * (1 + std::erf(distance / std::sqrt(2 * var / t.n())));
 }
 
@@ -91,11 +103,7 @@ double SprtUpperBound(const Sprt& s) { return std::log((1 - s.beta) / s.alpha); 
 
 double SprtLlr(const Sprt& s, const Trials& observed) {
   if (observed.n() <= 0) return 0;
-  Trials t = observed;
-  // With a single kind of result the variance is zero; half a trial of each
-  // kind as a prior keeps the ratio finite so that a clean sweep still decides.
-  if (t.variance() <= 0)
-    for (int i = 0; i < t.kinds; ++i) t.count[i] += 0.5;
+  const Trials t = Regularised(observed);
   const double x = t.mean(), var = t.variance();
   const double s0 = ScoreFromElo(s.elo0), s1 = ScoreFromElo(s.elo1);
   return t.n() * (s1 - s0) * (2 * x - s0 - s1) / (2 * var);
@@ -111,5 +119,9 @@ SprtDecision SprtDecide(const Sprt& s, const Trials& t) {
 }
 
 SprtDecision SprtDecide(const Sprt& s, const MatchCounts& c) { return SprtDecide(s, TrialsOf(c)); }
+
+SprtDecision SprtNext(SprtDecision current, const Sprt& s, const Trials& t) {
+  return current == SprtDecision::CONTINUE ? SprtDecide(s, t) : current;
+}
 
 }  // namespace vx::dev

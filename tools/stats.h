@@ -6,6 +6,9 @@
 // (pentanomial: 0, 1/2, 1, 3/2 or 2 points per pair). The two games of a pair
 // are not independent (the opening favours one colour); counting pairs takes
 // that correlation into account, counting games ignores it.
+// While every trial has had the same result the sample's variance is zero;
+// every statistic below (Elo and its interval, normalized Elo, LOS, the LLR)
+// is then taken on the counts with half a trial of each kind added.
 #pragma once
 
 namespace vx::dev {
@@ -51,7 +54,7 @@ EloEstimate EstimateElo(const Trials& t);
 EloEstimate EstimateElo(const MatchCounts& c);
 // Normalized Elo: the score's distance from 1/2 in standard deviations of
 // one game, times 800 / ln 10 (for pairs, the deviation of a pair's mean
-// score times sqrt 2). Infinite when every trial scored the same but 1/2.
+// score times sqrt 2).
 EloEstimate EstimateNormalizedElo(const Trials& t);
 
 // Likelihood of superiority: the chance that the true score is above 1/2,
@@ -68,11 +71,13 @@ double SprtUpperBound(const Sprt& s);  // ln((1 - beta) / alpha)
 // Log-likelihood ratio of H1 (Elo = elo1) against H0 (Elo = elo0):
 // N (s1 - s0) (2 x - s0 - s1) / (2 var), N the trials, x the mean score,
 // var the per-trial variance, s0 and s1 the expected scores. Zero without
-// trials; while every trial has had one result, half a trial of each kind
-// is added first.
+// trials.
 double SprtLlr(const Sprt& s, const Trials& t);
 double SprtLlr(const Sprt& s, const MatchCounts& c);
 SprtDecision SprtDecide(const Sprt& s, const Trials& t);
 SprtDecision SprtDecide(const Sprt& s, const MatchCounts& c);
+// The decision of a running test after one more trial: a decision once taken
+// stands, so trials that finish after the run stopped cannot revise it.
+SprtDecision SprtNext(SprtDecision current, const Sprt& s, const Trials& t);
 
 }  // namespace vx::dev

@@ -1,6 +1,7 @@
 // vorlaxen-dev wdl-fit [--holdout K] PGN...
 #include "tools/wdl_fit.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -32,9 +33,41 @@ Vector ParamsOf(const WdlModel& m) {
   return p;
 }
 
-// Log-likelihood and its gradient; minus infinity where the model is not
-// defined (midpoint or spread not positive for some sample).
-double Evaluate(const Vector& p, const std::vector<WdlSample>& samples, Vector* gradient) {
+// log(1 / (1 + e^-x)) without overflow for any x.
+double LogLogistic(double x) { return x < 0 ? x - std::log1p(std::exp(x)) : -std::log1p(std::exp(-x)); }
+double Logistic(double x) { return 1 / (1 + std::exp(-x)); }
+
+// Log-likelihood of one sample and its gradient by the midpoint a and the
+// spread b; minus infinity where the model is not defined (a or b not
+// positive). With u = (s - a) / b and v = (-s - a) / b the chances are
+// win = L(u), loss = L(v) and draw = 1 - L(u) - L(v) = L(-u) L(-v) (1 - e^(-2a/b)),
+// the last form a product of positive factors however large the score, so
+// a drawn game with a decisive score costs much but never all.
+double SampleLogLikelihood(double score, int outcome, double a, double b, double& d_a, double& d_b) {
+  d_a = d_b = 0;
+  if (!(a > 0) || !(b > 0)) return NEG_INF;
+  const double u = (score - a) / b, v = (-score - a) / b;
+  if (outcome == OUTCOME_WIN) {
+    const double g = Logistic(-u);  // d log L(u) / du
+    d_a = -g / b, d_b = -g * u / b;
+    return LogLogistic(u);
+  }
+  if (outcome == OUTCOME_LOSS) {
+    const double g = Logistic(-v);
+    d_a = -g / b, d_b = -g * v / b;
+    return LogLogistic(v);
+  }
+  const double w = 2 * a / b, win = Logistic(u), loss = Logistic(v);
+  const double g = 1 / std::expm1(w);  // d log(1 - e^-w) / dw
+  d_a = win / b + loss / b + g * 2 / b;
+  d_b = win * u / b + loss * v / b - g * w / b;
+  return LogLogistic(-u) + LogLogistic(-v) + std::log(-std::expm1(-w));
+}
+
+// Log-likelihood and its gradient; per_game (when given) receives the
+// gradient summed over the samples of each game, the games numbered 0 up.
+double Evaluate(const Vector& p, const std::vector<WdlSample>& samples, Vector* gradient,
+                std::vector<Vector>* per_game = nullptr) {
   if (gradient) gradient->fill(0);
   double sum = 0;
   for (const WdlSample& s : samples) {
@@ -42,20 +75,18 @@ double Evaluate(const Vector& p, const std::vector<WdlSample>& samples, Vector* 
     const double power[4] = {1, t, t * t, t * t * t};
     double a = 0, b = 0;
     for (int i = 0; i < 4; ++i) a += p[i] * power[i], b += p[4 + i] * power[i];
-    if (!(a > 0) || !(b > 0)) return NEG_INF;
-    const double u = (s.score - a) / b, v = (-s.score - a) / b;
-    const double win = 1 / (1 + std::exp(-u)), loss = 1 / (1 + std::exp(-v));
-    // d/da and d/db of the win and loss chances; the draw takes the rest.
-    const double win_a = -win * (1 - win) / b, win_b = win_a * u;
-    const double loss_a = -loss * (1 - loss) / b, loss_b = loss_a * v;
-    double prob, prob_a, prob_b;
-    if (s.outcome == OUTCOME_WIN) prob = win, prob_a = win_a, prob_b = win_b;
-    else if (s.outcome == OUTCOME_LOSS) prob = loss, prob_a = loss_a, prob_b = loss_b;
-    else prob = 1 - win - loss, prob_a = -win_a - loss_a, prob_b = -win_b - loss_b;
-    if (!(prob > 0)) return NEG_INF;
-    sum += std::log(prob);
-    if (gradient)
-      for (int i = 0; i < 4; ++i) (*gradient)[i] += prob_a / prob * power[i], (*gradient)[4 + i] += prob_b / prob * power[i];
+    double d_a, d_b;
+    const double ll = SampleLogLikelihood(s.score, s.outcome, a, b, d_a, d_b);
+    if (ll == NEG_INF) return NEG_INF;
+    sum += ll;
+    auto add = [&](Vector& g) {
+      for (int i = 0; i < 4; ++i) g[i] += d_a * power[i], g[4 + i] += d_b * power[i];
+    };
+    if (gradient) add(*gradient);
+    if (per_game) {
+      if (size_t(s.game) >= per_game->size()) per_game->resize(size_t(s.game) + 1, Vector{});
+      add((*per_game)[size_t(s.game)]);
+    }
   }
   return sum;
 }
@@ -108,7 +139,7 @@ std::string Number(double v) {
 
 }  // namespace
 
-void AppendSamples(const PgnGame& game, std::vector<WdlSample>& samples) {
+void AppendSamples(const PgnGame& game, int number, std::vector<WdlSample>& samples) {
   const int white_outcome = game.result == "1-0"       ? OUTCOME_WIN
                             : game.result == "0-1"     ? OUTCOME_LOSS
                             : game.result == "1/2-1/2" ? OUTCOME_DRAW
@@ -122,7 +153,8 @@ void AppendSamples(const PgnGame& game, std::vector<WdlSample>& samples) {
     const double pawns = c.empty() ? 0 : std::strtod(c.c_str(), &end);
     if (!c.empty() && end != c.c_str() && *end == '/' && std::abs(pawns) < 100) {
       const int outcome = pos.side_to_move == WHITE ? white_outcome : 2 - white_outcome;
-      samples.push_back({pawns * 100, WdlMaterial(pos), outcome});
+      const double cp = std::clamp(pawns * 100, -WDL_SCORE_CAP, WDL_SCORE_CAP);
+      samples.push_back({cp, WdlMaterial(pos), outcome, number});
     }
     pos.ApplyGameMove(game.moves[i]);
   }
@@ -161,11 +193,30 @@ WdlFitResult FitWdl(const std::vector<WdlSample>& samples) {
   }
   r.model = ModelOf(p);
   r.log_likelihood = ll;
+  // The positions of one game share its result, so they are not independent
+  // samples: the covariance is the sandwich H^-1 B H^-1, H the observed
+  // information and B the sum over games of the outer product of each game's
+  // summed gradient. With one position per game it estimates the same as the
+  // per-position H^-1.
   const Matrix info = Information(p, samples);
-  for (int i = 0; i < PARAMS; ++i) {
+  std::vector<Vector> per_game;
+  Evaluate(p, samples, nullptr, &per_game);
+  Matrix inverse;
+  bool invertible = true;
+  for (int i = 0; i < PARAMS && invertible; ++i) {
     Vector unit{}, column;
     unit[i] = 1;
-    r.error[i] = Solve(info, unit, column) && column[i] > 0 ? std::sqrt(column[i]) : NAN;
+    invertible = Solve(info, unit, column);
+    for (int j = 0; j < PARAMS; ++j) inverse[j][i] = column[j];
+  }
+  for (int i = 0; i < PARAMS; ++i) {
+    double var = 0;
+    for (const Vector& g : per_game) {
+      double x = 0;  // row i of H^-1 times the game's gradient
+      for (int j = 0; j < PARAMS; ++j) x += inverse[i][j] * g[j];
+      var += x * x;
+    }
+    r.error[i] = invertible && var > 0 ? std::sqrt(var) : NAN;
   }
   return r;
 }
@@ -213,7 +264,10 @@ int wdl_fit_command(const Args& args) {
     std::string error;
     if (!in) return std::fprintf(stderr, "wdl-fit: cannot read '%s'\n", file.c_str()), 2;
     if (!ReadPgn(in, read, error)) return std::fprintf(stderr, "wdl-fit: %s: %s\n", file.c_str(), error.c_str()), 2;
-    for (const PgnGame& g : read) AppendSamples(g, ++games % holdout ? fit : held);
+    for (const PgnGame& g : read) {
+      ++games;
+      AppendSamples(g, games, games % holdout ? fit : held);
+    }
   }
   if (fit.empty()) return std::fprintf(stderr, "wdl-fit: no scored moves in finished games\n"), 2;
   const WdlFitResult r = FitWdl(fit);
@@ -226,7 +280,7 @@ int wdl_fit_command(const Args& args) {
   for (int i = 0; i < 8; ++i) table += Number(ParamsOf(r.model)[i]) + (i == 3 ? "}, {" : i == 7 ? "}}" : ", ");
   std::printf("// Fitted by vorlaxen-dev wdl-fit on %zu positions of %d games.\nconstexpr WdlModel WDL_MODEL = %s;\n\n",
               fit.size(), games - int(games / holdout), table.c_str());
-  std::printf("Standard errors: midpoint");
+  std::printf("Standard errors (the positions of a game counted as one correlated sample): midpoint");
   for (int i = 0; i < 8; ++i) std::printf("%s %s", i == 4 ? ", spread" : "", Number(r.error[i]).c_str());
   std::printf("\n\nCalibration on %s (score range in cp: positions, predicted W/D/L %%, observed W/D/L %%)\n",
               held.empty() ? "the fitted positions" : "the held-out games");

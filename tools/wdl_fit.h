@@ -15,30 +15,38 @@ namespace vx::dev {
 enum WdlOutcome { OUTCOME_LOSS, OUTCOME_DRAW, OUTCOME_WIN };  // for the side that moved
 
 struct WdlSample {
-  double score;  // centipawns, the mover's point of view
+  double score;  // centipawns, the mover's point of view, within ±WDL_SCORE_CAP
   int material;  // WdlMaterial of the position the mover searched
   int outcome;   // WdlOutcome
+  int game;      // number of the game the position comes from
 };
 
-// The samples of one finished game: every move whose comment starts with a
-// centipawn score ("+0.35/12 0.52s"); mate scores, scores of 100 pawns or
-// more (tablebase results) and unfinished games give none.
-void AppendSamples(const PgnGame& game, std::vector<WdlSample>& samples);
+// Scores beyond 20 pawns say no more about the result than 20 pawns do; they
+// are cut to it so that a few wild scores cannot pull the fit.
+constexpr double WDL_SCORE_CAP = 2000;
+
+// The samples of one finished game (numbered `number`): every move whose
+// comment starts with a centipawn score ("+0.35/12 0.52s"), capped at
+// ±WDL_SCORE_CAP; mate scores, scores of 100 pawns or more (tablebase
+// results) and unfinished games give none.
+void AppendSamples(const PgnGame& game, int number, std::vector<WdlSample>& samples);
 
 // Sum of the log-probabilities the model gives the observed outcomes;
 // minus infinity when the midpoint or spread is not positive for a sample.
+// Every outcome keeps a positive chance at any score, the draw included.
 double LogLikelihood(const WdlModel& model, const std::vector<WdlSample>& samples);
 
 struct WdlFitResult {
   WdlModel model;
-  double error[8];  // standard errors: midpoint coefficients, then spread
+  double error[8];  // standard errors, the positions of a game taken as correlated: midpoint, then spread
   double log_likelihood;
   int iterations;
   bool converged;
 };
 
 // Damped Newton iterations on the log-likelihood from a neutral start; the
-// standard errors come from the inverse of the observed information.
+// standard errors come from the observed information, with the positions of
+// one game counted as correlated (clustered by WdlSample::game).
 WdlFitResult FitWdl(const std::vector<WdlSample>& samples);
 
 struct CalibrationRow {

@@ -28,7 +28,7 @@ int WdlMaterial(const Position& pos) {
   return count(PAWN) + 3 * (count(KNIGHT) + count(BISHOP_L) + count(BISHOP_D)) + 5 * count(ROOK) + 9 * count(QUEEN);
 }
 
-double WdlMaterialTerm(int material) { return (material - 40) / 40.0; }
+double WdlMaterialTerm(int material) { return (std::min(material, WDL_MATERIAL_MAX) - 40) / 40.0; }
 
 WdlChances WdlFromScore(const WdlModel& model, double centipawns, int material) {
   const double t = WdlMaterialTerm(material);

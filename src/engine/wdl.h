@@ -30,7 +30,12 @@ extern const WdlModel WDL_MODEL;
 
 // 1, 3, 3, 5, 9 per pawn, minor piece, rook and queen of both sides.
 int WdlMaterial(const Position& pos);
-// The model's variable for a material count.
+// The most material the games behind the model had: the starting position's.
+// Beyond it (promoted queens) the cubics are not backed by data, and the
+// midpoint falls to zero near 89, where every score would read as a sure draw.
+constexpr int WDL_MATERIAL_MAX = 78;
+// The model's variable for a material count, the count taken at most
+// WDL_MATERIAL_MAX.
 double WdlMaterialTerm(int material);
 // Chances of the side to move; a midpoint or spread that is not positive for
 // this material gives a draw.

@@ -40,6 +40,12 @@ Square rook_pawn_queening_square(const Position& pos) {
   return make_square(file_of(lsb(pawns)), Us == WHITE ? 7 : 0);
 }
 
+// A draw when the defending king stands on or next to the promotion square.
+template <Color Us>
+uint8_t corner_verdict(const Position& pos, Square q) {
+  return distance(pos.king_square(~Us), q) <= 1 ? 0 : SCALE_NO_VERDICT;
+}
+
 // Rook pawns with a bishop that does not control the promotion square: a
 // draw when the defending king reaches the corner.
 template <Color Us>
@@ -47,15 +53,14 @@ uint8_t scale_wrong_bishop(const Position& pos) {
   const Square q = rook_pawn_queening_square<Us>(pos);
   if (q < 0) return SCALE_NO_VERDICT;
   if (pos.of(Us, bishop_type_on(q))) return SCALE_NO_VERDICT;
-  return distance(pos.king_square(~Us), q) <= 1 ? 0 : SCALE_NO_VERDICT;
+  return corner_verdict<Us>(pos, q);
 }
 
 // Rook pawns against the bare king: a draw when the king reaches the corner.
 template <Color Us>
 uint8_t scale_rook_pawns(const Position& pos) {
   const Square q = rook_pawn_queening_square<Us>(pos);
-  if (q < 0) return SCALE_NO_VERDICT;
-  return distance(pos.king_square(~Us), q) <= 1 ? 0 : SCALE_NO_VERDICT;
+  return q < 0 ? SCALE_NO_VERDICT : corner_verdict<Us>(pos, q);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 """Strength-limited play through the pipe: the node budget ends the search, a
 clock search then waits (never past its clock) while still answering commands,
-and no tablebase is probed."""
+no tablebase is probed, and a fresh start of the engine plays differently."""
 import glob
 import os
 import re
@@ -9,7 +9,8 @@ import time
 import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from test_search import SearchTestCase, is_bestmove  # noqa: E402
+from engine import start  # noqa: E402
+from test_search import ENGINE, SearchTestCase, is_bestmove  # noqa: E402
 
 SYZYGY = os.environ.get("VORLAXEN_SYZYGY_DIR",
                         os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "shared", "syzygy"))
@@ -80,6 +81,28 @@ class Limited(SearchTestCase):
         self.assertGreater(max_field(self.go(position, "go depth 8")[0], "tbhits"), 0)
         self.limit(2800)
         self.assertEqual(max_field(self.go(position, "go depth 8")[0], "tbhits"), 0)
+
+
+class FreshStarts(unittest.TestCase):
+    def test_each_start_plays_its_own_limited_game(self):
+        # The same commands to three new processes: the node budget, the noisy
+        # tables and evaluations come from a generator seeded anew at each start.
+        positions = ["startpos", "startpos moves e2e4", "startpos moves d2d4 d7d5",
+                     "fen r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq - 2 3"]
+        starts = []
+        for _ in range(3):
+            engine = start(self, ENGINE, timeout=20.0)
+            engine.send("setoption name UCI_LimitStrength value true")
+            engine.send("setoption name UCI_Elo value 1200")
+            replies = []
+            for position in positions:  # the last line with a score, the nodes searched and the move
+                engine.send("position " + position)
+                engine.send("go depth 30")
+                lines = engine.read_until(is_bestmove)
+                last = [l for l in lines if " score " in l][-1]
+                replies.append((re.search(r" score \S+ -?\d+", last).group(0), max_field(lines, "nodes"), lines[-1]))
+            starts.append(tuple(replies))
+        self.assertEqual(len(set(starts)), 3, starts)
 
 
 if __name__ == "__main__":

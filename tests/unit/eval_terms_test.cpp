@@ -3,6 +3,7 @@
 // values are guarded by the bench signature.
 #include <gtest/gtest.h>
 
+#include "eval/endgame.h"
 #include "eval/kingsafety.h"
 #include "eval_test_util.h"
 
@@ -60,19 +61,68 @@ TEST_F(EvalTermsTest, GroupValuesOfWorkedPositions) {
   }
 }
 
-// A king's safety is about that king: the queen and rook bearing on White's
-// castled king cost White the same wherever the black king stands, as long as
-// it stays on its own wing; the attack itself does cost White.
-TEST_F(EvalTermsTest, KingSafetyReadsTheKingUnderAttack) {
-  auto white_king_safety = [&](const char* fen) {
-    EvalTrace t;
-    trace(test::from_fen(fen), t);
-    return t.rows[GROUP_KING_SAFETY].white;
+// Terms of White's that read a king or a piece set of a named side. Each
+// row moves that named piece (the term moves as chess says: named_sign) and
+// then, from the same start, the other side's counterpart (the term stays, or
+// moves the other way: other_sign). A slip of Us and Them in one of them
+// turns this round; the colour-mirror test cannot see it, since a slip made
+// for both colours is still symmetric.
+TEST_F(EvalTermsTest, TermsFollowTheSideTheyRead) {
+  constexpr int SCALE = -1;  // the wrong-bishop scale function instead of a trace group
+  const struct {
+    int group;
+    bool eg;
+    const char *base, *named, *other;
+    int named_sign, other_sign;
+  } rows[] = {
+      // King safety: our king steps towards the queen and rook; their king steps aside.
+      {GROUP_KING_SAFETY, false, "k7/pp6/8/2q5/8/7r/5PPP/R5K1 w - - 0 1", "k7/pp6/8/2q5/8/7r/5PPP/R4K2 w - - 0 1",
+       "1k6/pp6/8/2q5/8/7r/5PPP/R5K1 w - - 0 1", -1, 0},
+      // Safe checks: our bishop comes to cover d1, one of the queen's two; their king moves.
+      {GROUP_KING_SAFETY, false, "k7/pp6/8/8/3q4/8/5PPP/6K1 w - - 0 1", "k7/pp6/8/8/3q4/5B2/5PPP/6K1 w - - 0 1",
+       "1k6/pp6/8/8/3q4/8/5PPP/6K1 w - - 0 1", +1, 0},
+      // Passer d4: our king from d7 to e4 (equal distances, now beside the
+      // front square); their king comes ahead of it.
+      {GROUP_PAWNS, true, "7k/3K4/8/8/3P4/8/8/7n b - - 0 1", "7k/8/8/8/3PK3/8/8/7n b - - 0 1",
+       "8/3K4/8/2k5/3P4/8/8/7n b - - 0 1", +1, -1},
+      // Blockade: their king comes ahead of the d4 passer, (3, -25), whose
+      // middlegame half moves alone; our king there does not count.
+      {GROUP_PAWNS, false, "7k/8/8/8/3P4/8/8/K6n b - - 0 1", "8/8/3k4/8/3P4/8/8/K6n b - - 0 1",
+       "7k/8/3K4/8/3P4/8/8/7n b - - 0 1", +1, 0},
+      // Rule of the square: their king steps into the b5 pawn's square; ours moves.
+      {GROUP_PASSED, true, "8/8/8/1P3k1p/8/8/8/K7 w - - 0 1", "8/8/8/1P2k2p/8/8/8/K7 w - - 0 1",
+       "8/8/8/1P3k1p/8/8/K7/8 w - - 0 1", -1, 0},
+      // Our king stops attacking the loose knight on d3 (the c2 pawn still
+      // does, so only the king threat goes); their king moves.
+      {GROUP_THREATS, true, "4k3/p7/8/8/8/3n4/2P1K2P/8 w - - 0 1", "4k3/p7/8/8/8/3n4/2P4P/5K2 w - - 0 1",
+       "8/p2k4/8/8/8/3n4/2P1K2P/8 w - - 0 1", -1, 0},
+      // Mobility area: our king takes a square of the d4 knight, theirs stands on one.
+      {GROUP_KNIGHTS, true, "4k3/p7/8/8/3N4/8/7P/K7 b - - 0 1", "4k3/p7/8/8/3N4/8/2K4P/8 b - - 0 1",
+       "8/p7/8/5k2/3N4/8/7P/K7 b - - 0 1", -1, 0},
+      // Outpost d5: our c-pawn comes to support it; their h-pawn moves.
+      {GROUP_KNIGHTS, false, "4k3/7p/8/3N4/8/8/2P5/4K3 w - - 0 1", "4k3/7p/8/3N4/2P5/8/8/4K3 w - - 0 1",
+       "4k3/8/7p/3N4/8/8/2P5/4K3 w - - 0 1", +1, 0},
+      // Blockade: their passer stops in front of the d3 knight; our passer stands there.
+      {GROUP_KNIGHTS, true, "4k3/8/8/8/1p6/3N4/P7/4K3 w - - 0 1", "4k3/8/8/8/3p4/3N4/P7/4K3 w - - 0 1",
+       "4k3/8/8/8/1p1P4/3N4/8/4K3 w - - 0 1", +1, 0},
+      // Wrong bishop: the defending king leaves the corner; the strong king moves.
+      {SCALE, false, "1k6/8/8/P7/P7/8/8/2B1K3 w - - 0 1", "8/2k5/8/P7/P7/8/8/2B1K3 w - - 0 1",
+       "1k6/8/8/P7/P7/8/8/2BK4 w - - 0 1", +1, 0},
   };
-  const ValuePair attacked = white_king_safety("k7/pp6/8/2q5/8/7r/5PPP/R5K1 w - - 0 1");
-  EXPECT_LT(mg_value(attacked), mg_value(white_king_safety("k7/pp6/8/8/8/8/5PPP/R5K1 w - - 0 1")));
-  for (const char* elsewhere : {"1k6/pp6/8/2q5/8/7r/5PPP/R5K1 w - - 0 1", "8/ppk5/8/2q5/8/7r/5PPP/R5K1 w - - 0 1"})
-    EXPECT_EQ(white_king_safety(elsewhere), attacked) << elsewhere;
+  auto term = [&](int group, bool eg, const char* fen) {
+    const Position pos = test::from_fen(fen);
+    if (group == SCALE) return int(ScaleFunctions[1](pos));
+    EvalTrace t;
+    trace(pos, t);
+    const ValuePair v = t.rows[group].white;
+    return eg ? eg_value(v) : mg_value(v);
+  };
+  auto sign = [](int x) { return (x > 0) - (x < 0); };
+  for (const auto& r : rows) {
+    const int base = term(r.group, r.eg, r.base);
+    EXPECT_EQ(sign(term(r.group, r.eg, r.named) - base), r.named_sign) << r.named;
+    EXPECT_EQ(sign(term(r.group, r.eg, r.other) - base), r.other_sign) << r.other;
+  }
 }
 
 TEST_F(EvalTermsTest, BishopLinesAndPins) {

@@ -3,6 +3,7 @@
 // time threshold.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <string>
 
@@ -74,13 +75,17 @@ TEST(ReportedWdl, CertainResultsAndTheModelsShape) {
     const WdlPermille p = ReportedWdl(c.score, c.tb_score, 40);
     EXPECT_EQ((std::array{p.win, p.draw, p.loss}), (std::array{c.wdl.win, c.wdl.draw, c.wdl.loss})) << c.score;
   }
-  for (int material = 0; material <= 78; ++material) {
+  // Above 78, the starting material, the model was not fitted (promoted
+  // queens): it reads as 78, not as the sure draw its midpoint gives at 89.
+  for (int material = 0; material <= 100; ++material) {
     WdlPermille last{0, 0, 1000};
     for (Value score = -31999; score <= 31999; score += score < -1000 || score > 1000 ? 997 : 13) {
       const WdlPermille p = ReportedWdl(score, VALUE_INFINITE, material);
       const WdlPermille q = ReportedWdl(-score, VALUE_INFINITE, material);
+      const WdlPermille fitted = ReportedWdl(score, VALUE_INFINITE, std::min(material, 78));
       ASSERT_TRUE(p.win >= 0 && p.draw >= 0 && p.loss >= 0 && p.win + p.draw + p.loss == 1000) << score;
       ASSERT_EQ((std::array{p.win, p.draw, p.loss}), (std::array{q.loss, q.draw, q.win})) << score << " " << material;
+      ASSERT_EQ(p.win, fitted.win) << score << " " << material;
       ASSERT_TRUE(p.win >= last.win && p.loss <= last.loss) << score << " " << material;
       last = p;
     }

@@ -47,18 +47,26 @@ TEST(Stats, DegenerateCounts) {
 }
 
 // Bounds log(0.95 / 0.05); LLR = N (s1 - s0) (2 x - s0 - s1) / (2 var) with
-// s0 = 0.5, s1 = 0.50719508...
+// s0 = 0.5, s1 = 0.50719508...; the pairs 10 20 120 40 10 have N = 200,
+// x = 0.525 and var = 0.043125.
 TEST(Stats, SprtBoundsLlrAndDecisions) {
   const Sprt s{0, 5};
   EXPECT_NEAR(SprtLowerBound(s), -2.9444389791664403, EPS);
   EXPECT_NEAR(SprtUpperBound(s), 2.9444389791664403, EPS);
-  EXPECT_NEAR(SprtLlr(s, {10, 5, 5}), 0.10164370772147874, 1e-9);
-  EXPECT_EQ(SprtDecide(s, {10, 5, 5}), SprtDecision::CONTINUE);
-  EXPECT_NEAR(SprtLlr(s, {1200, 2000, 900}), 7.6800028099564335, 1e-9);
-  EXPECT_EQ(SprtDecide(s, {1200, 2000, 900}), SprtDecision::ACCEPT_H1);
-  EXPECT_NEAR(SprtLlr(s, {900, 2000, 1100}), -6.6174598794370905, 1e-9);
-  EXPECT_EQ(SprtDecide(s, {900, 2000, 1100}), SprtDecision::ACCEPT_H0);
-  EXPECT_NEAR(SprtLlr({-5, 5}, {300, 400, 330}), -1.4135670713208501, 1e-9);
+  const struct {
+    Sprt sprt;
+    Trials trials;
+    double llr;
+    SprtDecision decision;
+  } cases[] = {{s, TrialsOf(MatchCounts{10, 5, 5}), 0.10164370772147874, SprtDecision::CONTINUE},
+               {s, TrialsOf(MatchCounts{1200, 2000, 900}), 7.6800028099564335, SprtDecision::ACCEPT_H1},
+               {s, TrialsOf(MatchCounts{900, 2000, 1100}), -6.6174598794370905, SprtDecision::ACCEPT_H0},
+               {{-5, 5}, TrialsOf(MatchCounts{300, 400, 330}), -1.4135670713208501, SprtDecision::CONTINUE},
+               {s, TrialsOf(PairCounts{{10, 20, 120, 40, 10}}), 0.714167848469897, SprtDecision::CONTINUE}};
+  for (const auto& c : cases) {
+    EXPECT_NEAR(SprtLlr(c.sprt, c.trials), c.llr, 1e-9) << c.llr;
+    EXPECT_EQ(SprtDecide(c.sprt, c.trials), c.decision) << c.llr;
+  }
 }
 
 // Pairs 1 3 4 2 0 (by 0, 1/2, 1, 3/2, 2 points): per-game scores 0, 1/4, 1/2,
@@ -84,43 +92,36 @@ TEST(Stats, PentanomialScoreEloAndNormalizedElo) {
   EXPECT_NEAR(LikelihoodOfSuperiority(t), 0.14592027257189422, 1e-9);
 }
 
-// The same games counted singly and by pairs: when each pair splits (one win,
-// one loss for the same colour), singly counted games look decisive and
-// noisy, the pairs show no spread at all.
-TEST(Stats, PairsRemoveTheSpreadOfColourSplits) {
-  const MatchCounts singly{10, 0, 10};
-  PairCounts p;
-  p.points[2] = 10;
-  EXPECT_DOUBLE_EQ(TrialsOf(p).mean(), Score(singly));
-  EXPECT_GT(EstimateElo(singly).upper, 100);
-  const EloEstimate paired = EstimateElo(TrialsOf(p));
-  EXPECT_DOUBLE_EQ(paired.lower, 0.0);
-  EXPECT_DOUBLE_EQ(paired.upper, 0.0);
+// Every pair with the same result: half a pair of each kind is added before
+// any statistic. Ten pairs 1-1 become 0.5 0.5 10.5 0.5 0.5 (N 12.5, mean 1/2,
+// variance 0.5 (1/4 + 1/16 + 1/16 + 1/4) / 12.5 = 0.025, margin
+// 1.95996 sqrt(0.002) = 0.0876523); ten pairs of 1.5 points become
+// 0.5 0.5 0.5 10.5 0.5 (mean 8.75 / 12.5 = 0.7, variance 0.4375 / 12.5 =
+// 0.035, margin 1.95996 sqrt(0.0028)). Elo of 0.7 = -400 log10(3/7);
+// normalized 0.2 / sqrt(0.07) x 800 / ln 10; its margin 1.95996 x 347.436 / sqrt(25).
+TEST(Stats, SamplesOfOneResultAreRegularised) {
+  const struct {
+    int kind;
+    double elo, lower, upper, nelo, nelo_margin, los;
+  } cases[] = {{2, 0.0, -61.54271257457956, 61.54271257457958, 0.0, 136.19224691437694, 0.5},
+               {3, 147.19071411783776, 67.7540922180061, 244.88218076788564, 262.6366159734047,
+                136.19224691437694, 0.9999214738578845}};
+  for (const auto& c : cases) {
+    PairCounts p;
+    p.points[c.kind] = 10;
+    const EloEstimate e = EstimateElo(TrialsOf(p)), n = EstimateNormalizedElo(TrialsOf(p));
+    const double got[] = {e.elo, e.lower, e.upper, n.elo, n.upper - n.elo, LikelihoodOfSuperiority(TrialsOf(p))};
+    const double want[] = {c.elo, c.lower, c.upper, c.nelo, c.nelo_margin, c.los};
+    for (int i = 0; i < 6; ++i) EXPECT_NEAR(got[i], want[i], 1e-9) << c.kind << " " << i;
+  }
 }
 
-TEST(Stats, PentanomialLimitingCasesAndSprt) {
-  PairCounts draws, wins;
-  draws.points[2] = 50;
-  wins.points[4] = 50;
-  EXPECT_DOUBLE_EQ(EstimateElo(TrialsOf(draws)).elo, 0.0);
-  EXPECT_DOUBLE_EQ(EstimateNormalizedElo(TrialsOf(draws)).elo, 0.0);
-  EXPECT_DOUBLE_EQ(LikelihoodOfSuperiority(TrialsOf(draws)), 0.5);
-  EXPECT_TRUE(std::isinf(EstimateElo(TrialsOf(wins)).elo));
-  EXPECT_TRUE(std::isinf(EstimateNormalizedElo(TrialsOf(wins)).elo));
-  EXPECT_DOUBLE_EQ(LikelihoodOfSuperiority(TrialsOf(wins)), 1.0);
-  // Half a pair of each kind is added: 50.5 draws-pairs and 0.5 of the others.
-  EXPECT_LT(SprtLlr({0, 5}, TrialsOf(draws)), 0);
-  EXPECT_EQ(SprtDecide({0, 5}, TrialsOf(wins)), SprtDecision::ACCEPT_H1);
-  // LLR = N (s1 - s0)(2x - s0 - s1) / (2 var) on pairs 10 20 120 40 10:
-  // x = 0.525, var = 0.043125.
-  PairCounts shifted;
-  const int counts[5] = {10, 20, 120, 40, 10};
-  std::copy(counts, counts + 5, shifted.points);
-  const Trials t = TrialsOf(shifted);
-  EXPECT_NEAR(t.mean(), 0.525, EPS);
-  EXPECT_NEAR(t.variance(), 0.043125, EPS);
-  const double s1 = ScoreFromElo(5);
-  EXPECT_NEAR(SprtLlr({0, 5}, t), 200 * (s1 - 0.5) * (1.05 - 0.5 - s1) / (2 * 0.043125), 1e-9);
+// A decision once taken stands whatever the pairs that finish afterwards say.
+TEST(Stats, SprtDecisionStands) {
+  const Trials even = TrialsOf(PairCounts{{0, 0, 10, 0, 0}}), sweep = TrialsOf(PairCounts{{0, 0, 0, 0, 50}});
+  for (const SprtDecision d : {SprtDecision::ACCEPT_H0, SprtDecision::ACCEPT_H1, SprtDecision::CONTINUE})
+    EXPECT_EQ(SprtNext(d, {0, 5}, even), d);
+  EXPECT_EQ(SprtNext(SprtDecision::CONTINUE, {0, 5}, sweep), SprtDecision::ACCEPT_H1);
 }
 
 }  // namespace
