@@ -2,8 +2,9 @@
 
 #include <algorithm>
 
-#include "egdb/bases.h"
-#include "egdb/syzygy.h"
+#include "egdb/bases/bases.h"
+#include "egdb/hook.h"
+#include "egdb/syzygy/syzygy.h"
 #include "engine/options.h"
 #include "engine/output.h"
 #include "engine/timeman.h"
@@ -12,7 +13,6 @@
 #include "search/periodic.h"
 #include "search/root.h"
 #include "search/strength.h"
-#include "search/tbhook.h"
 #include "search/thread.h"
 #include "search/tt.h"
 

@@ -5,8 +5,8 @@
 #include <climits>
 #include <cstdlib>
 
-#include "egdb/bases.h"
-#include "egdb/syzygy.h"
+#include "egdb/bases/bases.h"
+#include "egdb/syzygy/syzygy.h"
 #include "engine/output.h"
 #include "eval/evaluate.h"
 #include "search/thread.h"

@@ -3,7 +3,7 @@
 #include "board/attacks.h"
 #include "board/movegen.h"
 #include "board/position.h"
-#include "egdb/syzygy.h"
+#include "egdb/syzygy/syzygy.h"
 #include "eval/evaluate.h"
 #include "eval/kpk.h"
 #include "eval/material.h"

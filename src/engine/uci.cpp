@@ -4,7 +4,7 @@
 #include <deque>
 #include <sstream>
 
-#include "egdb/bases.h"
+#include "egdb/bases/bases.h"
 #include "engine/bench.h"
 #include "engine/commands.h"
 #include "engine/launch.h"

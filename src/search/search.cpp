@@ -5,13 +5,13 @@
 #include <cstdlib>
 
 #include "board/see.h"
+#include "egdb/hook.h"
 #include "eval/evaluate.h"
 #include "eval/material.h"
 #include "eval/pawns.h"
 #include "search/history.h"
 #include "search/movepick.h"
 #include "search/periodic.h"
-#include "search/tbhook.h"
 #include "search/tt.h"
 
 namespace vx {

@@ -7,8 +7,8 @@
 #include <benchmark/benchmark.h>
 
 #include "../unit/tablebase_util.h"
-#include "egdb/bases.h"
-#include "egdb/syzygy.h"
+#include "egdb/bases/bases.h"
+#include "egdb/syzygy/syzygy.h"
 
 namespace vx {
 namespace {

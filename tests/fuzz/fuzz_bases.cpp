@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "egdb/base_format.h"
-#include "egdb/base_registry.h"
-#include "egdb/bases.h"
-#include "egdb/library_position.h"
+#include "egdb/bases/bases.h"
+#include "egdb/bases/format.h"
+#include "egdb/bases/library_position.h"
+#include "egdb/bases/registry.h"
 #include "engine/startup.h"
 
 namespace {

@@ -12,8 +12,8 @@
 #include <map>
 
 #include "../unit/tablebase_util.h"
-#include "egdb/syzygy.h"
-#include "egdb/syzygy_value.h"
+#include "egdb/syzygy/syzygy.h"
+#include "egdb/syzygy/value.h"
 
 namespace {
 

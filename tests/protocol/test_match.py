@@ -11,7 +11,7 @@ from pathlib import Path
 
 ENGINE = sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen"
 DEV = sys.argv[2] if len(sys.argv) > 2 else "build/vorlaxen-dev"
-OPENINGS = Path(__file__).resolve().parents[2] / "tools" / "openings.epd"
+OPENINGS = Path(__file__).resolve().parents[2] / "tools" / "match" / "openings.epd"
 
 # A stand-in engine that answers the handshake and then misbehaves on "go"
 # in the way named by its argument.

@@ -10,8 +10,8 @@
 #include <string>
 
 #include "../unit/tablebase_util.h"
-#include "egdb/bases.h"
-#include "egdb/syzygy.h"
+#include "egdb/bases/bases.h"
+#include "egdb/syzygy/syzygy.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "eval/evaluate.h"
 #include "search/thread.h"
 #include "test_util.h"
-#include "tools/fen.h"
+#include "tools/match/fen.h"
 
 namespace vx::test {
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "egdb/syzygy_material.h"
+#include "egdb/syzygy/material.h"
 #include "test_util.h"
-#include "tools/fen.h"
+#include "tools/match/fen.h"
 
 #ifndef VORLAXEN_SYZYGY_DIR
 #define VORLAXEN_SYZYGY_DIR "../shared/syzygy"

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "egdb/library_position.h"
+#include "egdb/bases/library_position.h"
 #include "test_util.h"
 #include "tools/tbgen/diagram_builder.h"
 #include "tools/tbgen/encoder.h"

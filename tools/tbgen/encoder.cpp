@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "egdb/base_index.h"
+#include "egdb/bases/index.h"
 #include "tools/tbgen/parallel.h"
 #include "tools/tbgen/part_table.h"
 #include "tools/tbgen/variable_order.h"

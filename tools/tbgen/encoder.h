@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "egdb/base_registry.h"
+#include "egdb/bases/registry.h"
 #include "tools/tbgen/solver.h"
 #include "tools/tbgen/tbe_writer.h"
 

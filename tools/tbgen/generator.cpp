@@ -7,7 +7,7 @@
 #include <fstream>
 #include <ostream>
 
-#include "egdb/bases.h"
+#include "egdb/bases/bases.h"
 #include "tools/tbgen/encoder.h"
 #include "tools/tbgen/left_out.h"
 #include "tools/tbgen/materials.h"

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "egdb/base_material.h"
+#include "egdb/bases/material.h"
 
 namespace vx::tbgen {
 

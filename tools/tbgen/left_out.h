@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "egdb/base_material.h"
+#include "egdb/bases/material.h"
 
 namespace vx::tbgen {
 

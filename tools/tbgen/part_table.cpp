@@ -1,6 +1,6 @@
 #include "tools/tbgen/part_table.h"
 
-#include "egdb/base_index.h"
+#include "egdb/bases/index.h"
 #include "tools/tbgen/diagram_builder.h"
 #include "tools/tbgen/parallel.h"
 

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "board/attacks.h"
-#include "egdb/base_index.h"
+#include "egdb/bases/index.h"
 
 namespace vx::tbgen {
 

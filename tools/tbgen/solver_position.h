@@ -8,7 +8,7 @@
 
 #include "board/attacks.h"
 #include "board/types.h"
-#include "egdb/base_material.h"
+#include "egdb/bases/material.h"
 
 namespace vx::tbgen {
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "egdb/base_format.h"
-#include "egdb/decision_diagram.h"
+#include "egdb/bases/decision_diagram.h"
+#include "egdb/bases/format.h"
 
 namespace vx::tbgen {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "egdb/decision_diagram.h"
+#include "egdb/bases/decision_diagram.h"
 
 namespace vx::tbgen {
 

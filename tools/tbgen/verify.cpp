@@ -4,10 +4,10 @@
 #include <mutex>
 
 #include "board/position.h"
-#include "egdb/base_index.h"
-#include "egdb/base_registry.h"
-#include "egdb/bases.h"
-#include "egdb/library_position.h"
+#include "egdb/bases/bases.h"
+#include "egdb/bases/index.h"
+#include "egdb/bases/library_position.h"
+#include "egdb/bases/registry.h"
 #include "tools/tbgen/parallel.h"
 
 namespace vx::tbgen {
