@@ -1,5 +1,7 @@
-// Subcommands of the developer tool. Each takes the arguments after its name
-// and returns the process exit status.
+// vorlaxen-dev, the developer tool: its entry (main.cpp, run.cpp) and its
+// commands (perft, magics, bench, eval, openings here; match and wdl-fit in
+// tools/match). Each takes the arguments after its name and returns the
+// process exit status.
 #pragma once
 
 #include <string>

@@ -1,4 +1,6 @@
-// Vorlaxenbases: the maker's own endgame databases.
+// Vorlaxenbases, the engine's own endgame databases (made by tools/tbgen): this
+// folder loads the ".tbe" files into decision diagrams and probes them with its
+// own small position library; nothing here is shared with the Syzygy prober.
 #pragma once
 
 #include <string>

@@ -1,4 +1,6 @@
-// Syzygy win/draw/loss tablebases.
+// The Syzygy prober: finds the ".rtbw" win/draw/loss tables along a path, maps
+// them, and answers for positions of up to their number of men. The files of
+// this folder decode the format: material keys, indexing, layout, pairs, values.
 #pragma once
 
 #include <string>
