@@ -20,39 +20,30 @@ const std::vector<Position>& bench_positions() {
   return positions;
 }
 
-// Table hits: every position is evaluated once before timing starts.
-template <bool Hw>
-void BM_EvaluateHit(benchmark::State& state) {
+// Table hits: every position is evaluated once before timing starts. Table
+// misses: the material and pawn slots are invalidated before each call.
+template <bool Hw, bool Miss>
+void BM_Evaluate(benchmark::State& state) {
   const auto& set = bench_positions();
   test::EvalFixture f;
   for (const auto& pos : set) f.eval<Hw>(pos);
   size_t i = 0;
   for (auto _ : state) {
-    benchmark::DoNotOptimize(f.eval<Hw>(set[i]));
-    if (++i == set.size()) i = 0;
-  }
-}
-
-// Table misses: the material and pawn slots are invalidated before each call.
-template <bool Hw>
-void BM_EvaluateMiss(benchmark::State& state) {
-  const auto& set = bench_positions();
-  test::EvalFixture f;
-  size_t i = 0;
-  for (auto _ : state) {
     const Position& pos = set[i];
-    f.ss.material_table[(pos.state->material_key >> 48) & (MATERIAL_TABLE_SIZE - 1)].key = 0;
-    f.ss.pawn_table->entries[pos.state->pawn_key & (PAWN_TABLE_SIZE - 1)].key = 0;
-    f.ss.pawn_table->structures[structure_key(pos) & (PAWN_STRUCTURE_TABLE_SIZE - 1)].key = 0;
+    if (Miss) {
+      f.ss.material_table[(pos.state->material_key >> 48) & (MATERIAL_TABLE_SIZE - 1)].key = 0;
+      f.ss.pawn_table->entries[pos.state->pawn_key & (PAWN_TABLE_SIZE - 1)].key = 0;
+      f.ss.pawn_table->structures[structure_key(pos) & (PAWN_STRUCTURE_TABLE_SIZE - 1)].key = 0;
+    }
     benchmark::DoNotOptimize(f.eval<Hw>(pos));
     if (++i == set.size()) i = 0;
   }
 }
 
-BENCHMARK(BM_EvaluateHit<true>);
-BENCHMARK(BM_EvaluateHit<false>);
-BENCHMARK(BM_EvaluateMiss<true>);
-BENCHMARK(BM_EvaluateMiss<false>);
+BENCHMARK(BM_Evaluate<true, false>)->Name("BM_EvaluateHit<true>");
+BENCHMARK(BM_Evaluate<false, false>)->Name("BM_EvaluateHit<false>");
+BENCHMARK(BM_Evaluate<true, true>)->Name("BM_EvaluateMiss<true>");
+BENCHMARK(BM_Evaluate<false, true>)->Name("BM_EvaluateMiss<false>");
 
 }  // namespace
 }  // namespace vx

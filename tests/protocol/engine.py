@@ -2,18 +2,31 @@
 
 Engine(path, *args) starts the process; send() writes lines, read_line() and
 read_until() read them with time limits, so that a hung engine fails a test
-instead of hanging it. start() gives a test its engine; run() executes the
-engine once in command-line mode.
+instead of hanging it. start() gives a test its engine, EngineTestCase one per
+test with a search helper; run() executes the engine once in command-line mode.
 """
 import queue
 import os
 import subprocess
+import sys
 import tempfile
 import threading
 import time
+import unittest
 
 DEFAULT_TIMEOUT = 10.0
 NO_BASES = "info string vorlaxenbasses with 0 men found (0 MB)"
+# The engine under test: the first argument of every test file ctest runs.
+ENGINE = os.path.abspath(sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen")
+# Syzygy tables: tests that need them are skipped without them.
+SYZYGY = os.path.abspath(os.environ.get("VORLAXEN_SYZYGY_DIR", os.path.join(
+    os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "shared", "syzygy")))
+needs_syzygy = unittest.skipUnless(os.path.isfile(os.path.join(SYZYGY, "KQvK.rtbw")),
+                                   "no Syzygy tables in %s (set VORLAXEN_SYZYGY_DIR)" % SYZYGY)
+
+
+def is_bestmove(line):
+    return line.startswith("bestmove")
 
 
 class EngineError(AssertionError):
@@ -33,12 +46,6 @@ class Engine:
         for raw in iter(self.proc.stdout.readline, b""):
             self._lines.put(raw.rstrip(b"\r\n").decode("utf-8", errors="replace"))
         self._lines.put(None)  # end of output
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *exc):
-        self.kill()
 
     def send(self, line):
         """Writes one line (str or bytes); a newline is added."""
@@ -76,15 +83,6 @@ class Engine:
         self.send("isready")
         return self.read_until("readyok", timeout)[:-1]
 
-    def no_output(self, seconds):
-        """True when nothing is written for the given time."""
-        try:
-            line = self._lines.get(timeout=seconds)
-        except queue.Empty:
-            return True
-        self._lines.put(line)
-        return False
-
     def close_input(self):
         self.proc.stdin.close()
 
@@ -94,10 +92,6 @@ class Engine:
             return self.proc.wait(timeout=self.timeout if timeout is None else timeout)
         except subprocess.TimeoutExpired:
             raise EngineError("the engine did not exit")
-
-    def quit(self, timeout=None):
-        self.send("quit")
-        return self.wait(timeout)
 
     def kill(self):
         if self.proc.poll() is None:
@@ -113,7 +107,7 @@ class Engine:
                 pass
 
 
-def start(case, path, cwd=None, timeout=DEFAULT_TIMEOUT):
+def start(case, path, *args, cwd=None, timeout=DEFAULT_TIMEOUT):
     """An engine for one test, killed at its end, its greeting read (kept in
     .greeting). Without cwd it runs in a fresh empty directory (case.tmp),
     where no databases lie under their default path."""
@@ -121,10 +115,31 @@ def start(case, path, cwd=None, timeout=DEFAULT_TIMEOUT):
         tmp = tempfile.TemporaryDirectory()
         case.addCleanup(tmp.cleanup)
         cwd = case.tmp = tmp.name
-    engine = Engine(path, timeout=timeout, cwd=cwd)
+    engine = Engine(path, *args, timeout=timeout, cwd=cwd)
     case.addCleanup(engine.kill)
     engine.greeting = engine.read_line()
     return engine
+
+
+class EngineTestCase(unittest.TestCase):
+    """A fresh engine for each test; its first "isready" finds no databases."""
+    timeout = 20.0
+
+    def setUp(self):
+        self.engine = start(self, ENGINE, timeout=self.timeout)
+        self.assertEqual(self.engine.sync(), [NO_BASES])
+
+    def go(self, position, go, timeout=None):
+        """Runs one search to its "bestmove"; returns (lines before it, best
+        move, ponder move or None). No second "bestmove" may follow."""
+        self.engine.send(position)
+        self.engine.send(go)
+        lines = self.engine.read_until(is_bestmove, timeout)
+        self.assertRegex(lines[-1], r"^bestmove \S+( ponder \S+)?$")
+        words = lines[-1].split()
+        for line in self.engine.sync():
+            self.assertFalse(is_bestmove(line), "a second bestmove: " + line)
+        return lines[:-1], words[1], words[3] if len(words) == 4 else None
 
 
 def run(path, *args, stdin=b"", timeout=DEFAULT_TIMEOUT, cwd=None, env=None):

@@ -1,7 +1,6 @@
 """Strength-limited play through the pipe: the node budget ends the search, a
 clock search then waits (never past its clock) while still answering commands,
 no tablebase is probed, and a fresh start of the engine plays differently."""
-import glob
 import os
 import re
 import sys
@@ -9,18 +8,14 @@ import time
 import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from engine import start  # noqa: E402
-from test_search import ENGINE, SearchTestCase, is_bestmove  # noqa: E402
-
-SYZYGY = os.environ.get("VORLAXEN_SYZYGY_DIR",
-                        os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "shared", "syzygy"))
+from engine import ENGINE, SYZYGY, EngineTestCase, is_bestmove, needs_syzygy, start  # noqa: E402
 
 
 def max_field(lines, name):
     return max((int(m.group(1)) for m in (re.search(r" %s (\d+)" % name, l) for l in lines) if m), default=0)
 
 
-class Limited(SearchTestCase):
+class Limited(EngineTestCase):
     def limit(self, elo):
         self.engine.send("setoption name UCI_LimitStrength value true")
         self.engine.send("setoption name UCI_Elo value %d" % elo)
@@ -55,28 +50,21 @@ class Limited(SearchTestCase):
         self.engine.send("ponderhit")
         self.engine.read_until(is_bestmove, 2.0)
 
-    def start_long_wait(self):
+    def test_isready_stop_and_quit_act_during_the_wait(self):
         self.limit(850)
-        self.engine.send("position startpos")
-        self.engine.send("go wtime 600000 btime 600000")  # target 10.5 s: at least 3.4 s of waiting
-        time.sleep(0.4)
-
-    def test_isready_and_stop_act_during_the_wait(self):
-        self.start_long_wait()
-        self.engine.send("isready")
-        self.assertFalse(any(is_bestmove(l) for l in self.engine.read_until("readyok", 1.0)))
-        self.engine.send("stop")
-        self.engine.read_until(is_bestmove, 1.0)
-
-    def test_quit_acts_during_the_wait(self):
-        self.start_long_wait()
-        self.engine.send("quit")
+        for end in ("stop", "quit"):
+            self.engine.send("position startpos")
+            self.engine.send("go wtime 600000 btime 600000")  # target 10.5 s: at least 3.4 s of waiting
+            time.sleep(0.4)
+            self.engine.send("isready")
+            self.assertFalse(any(is_bestmove(l) for l in self.engine.read_until("readyok", 1.0)))
+            self.engine.send(end)
+            self.engine.read_until(is_bestmove, 1.0)
         self.assertEqual(self.engine.wait(2.0), 0)
 
+    @needs_syzygy
     def test_limited_search_reports_no_tbhits(self):
-        if not glob.glob(os.path.join(SYZYGY, "*.rtbw")):
-            self.skipTest("no Syzygy tables in %s (set VORLAXEN_SYZYGY_DIR)" % SYZYGY)
-        self.engine.send("setoption name Syzygy Path value %s" % os.path.abspath(SYZYGY))
+        self.engine.send("setoption name Syzygy Path value " + SYZYGY)
         position = "position fen 8/8/8/4k3/8/8/1r6/1R2K2R w - - 0 1"  # five men; Rxb2 leaves four
         self.assertGreater(max_field(self.go(position, "go depth 8")[0], "tbhits"), 0)
         self.limit(2800)

@@ -16,15 +16,13 @@ import tempfile
 import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from engine import Engine, per_position  # noqa: E402
+from engine import SYZYGY, is_bestmove, per_position, start  # noqa: E402
 
 KIND = sys.argv[1] if len(sys.argv) > 1 else "windows"
 ENGINE = sys.argv[2] if len(sys.argv) > 2 else "build-windows/vorlaxen.exe"
 NATIVE = sys.argv[3] if len(sys.argv) > 3 else "build/vorlaxen"
 TBGEN = sys.argv[4] if len(sys.argv) > 4 else os.path.join(os.path.dirname(NATIVE), "vorlaxen-tbgen")
 SIGNATURE = 31765960
-SYZYGY = os.path.abspath(os.environ.get("VORLAXEN_SYZYGY_DIR", os.path.join(
-    os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "shared", "syzygy")))
 # Emulated, everything is slower: generous limits for searches and starts.
 TIMEOUT = 60.0
 
@@ -47,33 +45,20 @@ def run(program, *args, timeout=600):
     return r.returncode, r.stdout
 
 
-def is_bestmove(line):
-    return line.startswith("bestmove ")
-
-
 class Engines:
     """The checks every platform's engine passes."""
 
-    def engine(self, cwd=None):
-        tmp = None
-        if cwd is None:
-            tmp = tempfile.TemporaryDirectory()
-            self.addCleanup(tmp.cleanup)
-            cwd = tmp.name
-        e = Engine(RUNNER[0], *RUNNER[1:], os.path.abspath(ENGINE), timeout=TIMEOUT, cwd=cwd)
-        self.addCleanup(e.kill)
-        e.greeting = e.read_line()
-        return e
+    def engine(self):
+        return start(self, *RUNNER, os.path.abspath(ENGINE), timeout=TIMEOUT)
 
     def test_the_uci_listing_is_the_native_one(self):
-        native = Engine(NATIVE, timeout=TIMEOUT)
-        self.addCleanup(native.kill)
-        expected = [native.read_line()] + (native.send("uci") or native.read_until("uciok"))
+        native = start(self, os.path.abspath(NATIVE), timeout=TIMEOUT)
+        native.send("uci")
         e = self.engine()
         e.send("uci")
         # The greeting names the build the processor allows; the rest is identical.
-        self.assertEqual(e.greeting.split(" 64 bit")[0], expected[0].split(" 64 bit")[0])
-        self.assertEqual(e.read_until("uciok"), expected[1:])
+        self.assertEqual(e.greeting.split(" 64 bit")[0], native.greeting.split(" 64 bit")[0])
+        self.assertEqual(e.read_until("uciok"), native.read_until("uciok"))
 
     def test_the_self_test_passes(self):
         e = self.engine()
@@ -90,7 +75,8 @@ class Engines:
         self.assertFalse([l for l in before if is_bestmove(l)])
         self.assertTrue(is_bestmove(e.read_until(is_bestmove)[-1]))
         e.sync()
-        self.assertEqual(e.quit(), 0)
+        e.send("quit")
+        self.assertEqual(e.wait(), 0)
 
 
 @unittest.skipUnless(KIND == "windows", "Windows engine")

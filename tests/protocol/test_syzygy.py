@@ -9,23 +9,15 @@ import sys
 import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from engine import NO_BASES, start  # noqa: E402
+from engine import SYZYGY as TABLES, EngineTestCase, needs_syzygy  # noqa: E402
 
-ENGINE = os.path.abspath(sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen")
-HERE = os.path.dirname(os.path.abspath(__file__))
-TABLES = os.environ.get("VORLAXEN_SYZYGY_DIR", os.path.join(HERE, "..", "..", "..", "shared", "syzygy"))
-needs_tables = unittest.skipUnless(os.path.isfile(os.path.join(TABLES, "KQvK.rtbw")), "no Syzygy tables in " + TABLES)
 KQVK = "position fen 8/8/8/2k5/8/8/8/3QK3 w - - 0 1"
 KRVK = "position fen 8/8/8/8/8/1k6/R7/3K4 w - - 0 1"  # the king attacks the rook
 KEEPS_THE_WIN = {"a2a1", "a2a5", "a2a6", "a2a7", "a2a8", "a2c2", "a2d2", "a2e2", "a2f2", "a2g2", "a2h2"}
 FOUND_1 = ["info string Found 1 syzygy tablebases"]
 
 
-class SyzygyTestCase(unittest.TestCase):
-    def setUp(self):
-        self.engine = start(self, ENGINE, timeout=20.0)
-        self.assertEqual(self.engine.sync(), [NO_BASES])
-
+class SyzygyTestCase(EngineTestCase):
     def set_path(self, value):
         self.engine.send("setoption name Syzygy Path value " + value)
         return self.engine.sync()
@@ -36,20 +28,18 @@ class SyzygyTestCase(unittest.TestCase):
         os.makedirs(path)
         target = os.path.join(path, "KQvK.rtbw")
         if data is None:
-            os.symlink(os.path.abspath(os.path.join(TABLES, "KQvK.rtbw")), target)
+            os.symlink(os.path.join(TABLES, "KQvK.rtbw"), target)
         else:
             with open(target, "wb") as f:
                 f.write(data)
         return path
 
-    def go(self, position, depth=3):
+    def search(self, position, depth=3):
         """(info lines, last score, whether tbhits were reported)."""
-        self.engine.send(position)
-        self.engine.send("go depth %d" % depth)
-        lines = self.engine.read_until(lambda l: l.startswith("bestmove"))
-        scores = [m.group(1) for m in (re.search(r" score (\w+ -?\d+)", l) for l in lines) if m]
-        self.assertNotEqual(lines[-1], "bestmove 0000")
-        return lines[:-1], scores[-1] if scores else None, any(" tbhits " in l for l in lines)
+        lines, best, _ = self.go(position, "go depth %d" % depth)
+        self.assertNotEqual(best, "0000")
+        scores = re.findall(r" score (\w+ -?\d+)", "\n".join(lines))
+        return lines, scores[-1] if scores else None, any(" tbhits " in l for l in lines)
 
 
 class PathOption(SyzygyTestCase):
@@ -59,15 +49,15 @@ class PathOption(SyzygyTestCase):
         self.assertEqual(self.set_path("/nonexistent/tables;/nonexistent/more"),
                          ["info string Found 0 syzygy tablebases"])
 
-    @needs_tables
+    @needs_syzygy
     def test_a_table_in_the_second_directory_is_found(self):
         first, second = os.path.join(self.tmp, "first"), self.directory("second")
         os.makedirs(first)
         for separator in (";", ":"):
             self.assertEqual(self.set_path(first + separator + second), FOUND_1)
-            self.assertEqual(self.go(KQVK)[1:], ("cp 28000", True))
+            self.assertEqual(self.search(KQVK)[1:], ("cp 28000", True))
 
-    @needs_tables
+    @needs_syzygy
     def test_broken_and_vanished_files_fail_the_probe_and_the_search_goes_on(self):
         with open(os.path.join(TABLES, "KQvK.rtbw"), "rb") as f:
             real = f.read()
@@ -77,44 +67,39 @@ class PathOption(SyzygyTestCase):
             self.assertEqual(self.set_path(path), FOUND_1)
             if data is None:
                 shutil.rmtree(path)
-            lines, _, tbhits = self.go(KQVK, depth=2)
+            lines, _, tbhits = self.search(KQVK, depth=2)
             self.assertIn("Could not find KQvK.rtbw" if data is None else "Corrupted table.", lines, name)
             self.assertFalse(tbhits, name)
 
 
-@needs_tables
+@needs_syzygy
 class RootProbe(SyzygyTestCase):
     def setUp(self):
         super().setUp()
         self.assertEqual(self.set_path(TABLES)[-1][:18], "info string Found ")
 
-    def test_the_root_score_is_the_tables_result(self):
-        for fen, score in (("8/8/8/8/8/1k6/R7/3K4 b - - 0 1", "cp 0"),       # Kxa2
-                           ("8/8/8/8/8/2k5/8/R3K3 b - - 0 1", "cp -28000"),
-                           ("8/r1B5/8/2R5/8/k1K5/8/8 w - - 0 1", "cp 0")):   # a win beyond 50 moves
-            self.assertEqual(self.go("position fen " + fen)[1:], (score, True), fen)
-
-    def test_a_resolved_root_reports_a_certain_result(self):
+    def test_the_root_score_is_the_tables_result_and_certain(self):
         self.engine.send("setoption name UCI_ShowWDL value true")
-        for fen, wdl in (("8/8/8/8/8/1k6/R7/3K4 b - - 0 1", "0 1000 0"),
-                         ("8/8/8/8/8/2k5/8/R3K3 b - - 0 1", "0 0 1000"),
-                         ("8/8/8/8/8/1k6/R7/3K4 w - - 0 1", "1000 0 0")):
-            lines = [l for l in self.go("position fen " + fen)[0] if " score cp " in l]
-            self.assertTrue(lines, fen)
-            for line in lines:
-                self.assertRegex(line, r" score cp -?\d+ (lowerbound |upperbound )?wdl %s nodes " % wdl)
+        for fen, score, wdl in (("8/8/8/8/8/1k6/R7/3K4 b - - 0 1", "cp 0", "0 1000 0"),  # Kxa2
+                                ("8/8/8/8/8/2k5/8/R3K3 b - - 0 1", "cp -28000", "0 0 1000"),
+                                # a win beyond 50 moves
+                                ("8/r1B5/8/2R5/8/k1K5/8/8 w - - 0 1", "cp 0", "0 1000 0")):
+            lines, found, tbhits = self.search("position fen " + fen)
+            self.assertEqual((found, tbhits), (score, True), fen)
+            for line in (l for l in lines if " score " in l):
+                self.assertRegex(line, r" score %s (lowerbound |upperbound )?wdl %s nodes " % (score, wdl))
 
     def test_only_moves_that_keep_the_win_are_searched(self):
-        lines, score, tbhits = self.go(KRVK, depth=1)
+        lines, score, tbhits = self.search(KRVK, depth=1)
         searched = {l.split(" pv ")[1].split()[0] for l in lines if " pv " in l}
         self.assertTrue(searched and searched <= KEEPS_THE_WIN, searched)
         self.assertEqual((score, tbhits), ("cp 28000", True))
 
     def test_options_switch_the_tables_and_the_50_move_rule(self):
         self.engine.send("setoption name Syzygy 50 Moves Rule value false")
-        self.assertEqual(self.go("position fen 8/r1B5/8/2R5/8/k1K5/8/8 w - - 0 1")[1], "cp 28000")
+        self.assertEqual(self.search("position fen 8/r1B5/8/2R5/8/k1K5/8/8 w - - 0 1")[1], "cp 28000")
         self.engine.send("setoption name Use Syzygy Databases value false")
-        _, score, tbhits = self.go(KQVK)
+        _, score, tbhits = self.search(KQVK)
         self.assertFalse(tbhits)
         self.assertNotEqual(score, "cp 28000")
 

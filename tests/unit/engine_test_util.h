@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engine/engine.h"
+#include "engine/launch.h"
 #include "engine/options.h"
 #include "test_util.h"
 
@@ -14,6 +15,18 @@ struct EngineFixture {
   TranspositionTable& tt = engine.table;
   SearchState* state = &engine.state;
   Position& position = engine.position;
+
+  // Searches every legal move of the position under `limits`; returns what
+  // the search wrote.
+  std::string search(const SearchLimits& limits) {
+    state->limits = limits;
+    MoveList legal;
+    GenerateLegal(position, legal);
+    std::vector<Move> moves(legal.begin(), legal.end());
+    testing::internal::CaptureStdout();
+    LaunchSearch(pool, MOVE_NONE, MOVE_NONE, moves);
+    return testing::internal::GetCapturedStdout();
+  }
 };
 
 }  // namespace vx::test

@@ -39,27 +39,20 @@ inline bool SetIfSearchable(Position& pos, const Piece* board, Color stm, Square
   return pos.SetFromFen(BoardFen(board, stm, ep)) && !PositionDefect(pos);
 }
 
+// The piece types by the material's piece codes (their colour bit masked off).
+constexpr PieceType TABLE_TYPES[7] = {NO_PIECE_TYPE, PAWN, KNIGHT, BISHOP_L, ROOK, QUEEN, KING};
+
 // Places the men of the table's material on free squares; the name's first
 // side is White unless black_first.
 inline void PlaceRandomly(std::mt19937_64& rng, const syzygy::TableMaterial& mat, bool black_first, Piece* board) {
-  constexpr PieceType TYPES[7] = {NO_PIECE_TYPE, PAWN, KNIGHT, BISHOP_L, ROOK, QUEEN, KING};
   for (int code = 1; code < 16; ++code)
     for (int n = 0; n < mat.count[code]; ++n) {
-      const PieceType t = TYPES[code & 7];
+      const PieceType t = TABLE_TYPES[code & 7];
       Square s;
       do s = Square(rng() % 64);
       while (board[s] || (t == PAWN && (s < 8 || s >= 56)));
       board[s] = make_piece(Color((code >> 3) ^ int(black_first)), t == BISHOP_L ? bishop_type_on(s) : t);
     }
-}
-
-inline Position RandomTablePosition(std::mt19937_64& rng, const syzygy::TableMaterial& mat, bool black_first = false) {
-  Position pos;
-  for (;;) {
-    Piece board[64] = {};
-    PlaceRandomly(rng, mat, black_first, board);
-    if (SetIfSearchable(pos, board, Color(rng() & 1))) return pos;
-  }
 }
 
 // The squares behind enemy pawns that may just have advanced two squares next
@@ -76,14 +69,17 @@ inline Bitboard EnPassantSquares(const Piece* board, Color us) {
   return squares;
 }
 
-// A position of the material (pawns on both sides) with an en-passant capture open to the side to move.
-inline Position RandomEnPassantPosition(std::mt19937_64& rng, const syzygy::TableMaterial& mat) {
+// A random position of the material; with en_passant (pawns on both sides
+// wanted), one with an en-passant capture open to the side to move.
+inline Position RandomTablePosition(std::mt19937_64& rng, const syzygy::TableMaterial& mat, bool black_first = false,
+                                    bool en_passant = false) {
   Position pos;
   for (;;) {
     Piece board[64] = {};
-    PlaceRandomly(rng, mat, false, board);
+    PlaceRandomly(rng, mat, black_first, board);
     const Color us = Color(rng() & 1);
-    if (const Bitboard eps = EnPassantSquares(board, us); eps && SetIfSearchable(pos, board, us, lsb(eps))) return pos;
+    const Bitboard eps = en_passant ? EnPassantSquares(board, us) : 0;
+    if ((eps || !en_passant) && SetIfSearchable(pos, board, us, eps ? lsb(eps) : 0)) return pos;
   }
 }
 
@@ -93,7 +89,6 @@ inline Position RandomEnPassantPosition(std::mt19937_64& rng, const syzygy::Tabl
 // increasing squares, so no placement comes twice.
 template <class Visit>
 void ForEachTablePosition(const syzygy::TableMaterial& mat, Visit&& visit) {
-  constexpr PieceType TYPES[7] = {NO_PIECE_TYPE, PAWN, KNIGHT, BISHOP_L, ROOK, QUEEN, KING};
   std::vector<int> codes;
   for (int code = 1; code < 16; ++code) codes.insert(codes.end(), size_t(mat.count[code]), code);
   Piece board[64] = {};
@@ -107,7 +102,7 @@ void ForEachTablePosition(const syzygy::TableMaterial& mat, Visit&& visit) {
   };
   auto place = [&](auto&& self, size_t i, Square first) -> void {
     if (i == codes.size()) return leaf();
-    const PieceType t = TYPES[codes[i] & 7];
+    const PieceType t = TABLE_TYPES[codes[i] & 7];
     const bool same = i + 1 < codes.size() && codes[i + 1] == codes[i];
     for (Square s = first; s < 64; ++s) {
       if (board[s] || (t == PAWN && (s < 8 || s >= 56))) continue;
@@ -123,8 +118,7 @@ void ForEachTablePosition(const syzygy::TableMaterial& mat, Visit&& visit) {
 // capture when both sides have pawns, the others with the name's first side
 // White and Black in turn.
 inline Position RandomSeriesPosition(std::mt19937_64& rng, const syzygy::TableMaterial& mat, uint64_t i) {
-  if (i % 4 == 0 && mat.pawns(WHITE) && mat.pawns(BLACK)) return RandomEnPassantPosition(rng, mat);
-  return RandomTablePosition(rng, mat, i % 2);
+  return RandomTablePosition(rng, mat, i % 2, i % 4 == 0 && mat.pawns(WHITE) && mat.pawns(BLACK));
 }
 
 }  // namespace vx::test

@@ -34,16 +34,10 @@ TEST(Attacks, BetweenAndLineMatchTheRayWalk) {
       ASSERT_EQ(between[a][b], expected_between) << a << " " << b;
       ASSERT_EQ(line[a][b], expected_line) << a << " " << b;
     }
-  EXPECT_EQ(between[SQ_A1][SQ_H8], squares({SQ_B2, SQ_C3, SQ_D4, SQ_E5, SQ_F6, SQ_G7}));
-  EXPECT_EQ(between[SQ_A1][SQ_B3], 0u);
-  EXPECT_EQ(line[SQ_A1][SQ_B3], 0u);
-  EXPECT_EQ(line[SQ_B2][SQ_D4], 0x8040201008040201ULL);
 }
 
 TEST(Attacks, SliderLookupsMatchTheRayWalk) {
   test::init();
-  EXPECT_EQ(RookAttacks(SQ_A1, squares({SQ_A3, SQ_C1})), squares({SQ_A2, SQ_A3, SQ_B1, SQ_C1}));
-  // Random occupancies: every magic index agrees with a direct walk.
   uint64_t x = 12345;
   for (int i = 0; i < 20000; ++i) {
     Bitboard occ = xorshift_step(x) & xorshift_step(x);

@@ -32,16 +32,9 @@ TEST(MoveGen, PromotionSets) {
   EXPECT_EQ(promotion_type(test::move_of(light, "h7h8b")), BISHOP_D);
 }
 
-// Move text of an ordinary move and "0000" are checked through every move token and the protocol tests.
-TEST(MoveGen, PromotionEncoding) { EXPECT_EQ(move_text(Move(0x6000 | (60 << 6) | 52)), "e7e8q"); }
-
 // Castling, en passant and their pins: whether a move text names a legal move.
 TEST(MoveGen, SpecialMovesAcceptedOrRefused) {
-  const struct {
-    const char* fen;
-    const char* move;
-    bool legal;
-  } cases[] = {
+  const struct { const char* fen; const char* move; bool legal; } cases[] = {
       // Both en-passant captures next to the king's rank; with the king on
       // the rank and a rook behind, the capture would uncover check.
       {"r3k2r/8/8/8/3pPp2/8/8/R3K1RR b KQkq e3 0 1", "d4e3", true},

@@ -69,23 +69,6 @@ TEST(Position, RandomGamesKeepIncrementalStateExact) {
   EXPECT_GT(promotions, 0);
 }
 
-TEST(Position, StartPositionGrantsAllRightsAndTransposes) {
-  Position pos = test::startpos();
-  EXPECT_EQ(pos.state->castling_rights, 15u);
-  const Square targets[4] = {SQ_G1, SQ_C1, SQ_G8, SQ_C8};
-  for (int i = 0; i < 4; ++i) EXPECT_EQ(pos.castling[i].move_to, targets[i]);
-  const Key start = pos.state->key;
-  for (const char* m : {"e2e4", "e7e5", "g1f3", "b8c6", "f3g1", "c6b8"}) pos.ApplyGameMove(move_of(pos, m));
-  Position again = test::from_fen("rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq - 0 3");
-  EXPECT_EQ(pos.state->key, again.state->key);
-  EXPECT_NE(pos.state->key, start);
-  // Rook-file letters on the standard array grant the same rights, castling onto the rooks.
-  Position letters = test::from_fen("r3k2r/8/8/8/8/8/8/R3K2R w HAha - 0 1");
-  EXPECT_EQ(letters.state->castling_rights, 15u);
-  EXPECT_EQ(letters.castling[0].move_to, SQ_H1);
-  EXPECT_EQ(letters.castling[1].move_to, SQ_A1);
-}
-
 TEST(Position, EnPassantSquareOnlyWhenAnEnemyPawnIsBeside) {
   Position pos = test::startpos();
   pos.ApplyGameMove(move_of(pos, "e2e4"));

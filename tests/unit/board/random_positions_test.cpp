@@ -7,7 +7,6 @@
 #include <string>
 
 #include "board/perft.h"
-#include "engine/launch.h"
 #include "engine_test_util.h"
 #include "tools/match/fen.h"
 
@@ -126,15 +125,7 @@ TEST(RandomPositions, ShortSearchesStayOnTheBoard) {
     const std::string fen = maker.make();
     if (!f.position.SetFromFen(fen) || PositionDefect(f.position)) continue;
     ASSERT_EQ(Perft<true>(f.position, 3), Perft<false>(f.position, 3)) << fen;
-    MoveList legal;
-    GenerateLegal(f.position, legal);
-    std::vector<Move> moves(legal.begin(), legal.end());
-    f.state->limits = SearchLimits{};
-    f.state->limits.nodes = 3000;
-    testing::internal::CaptureStdout();
-    LaunchSearch(f.pool, MOVE_NONE, MOVE_NONE, moves);
-    const std::string out = testing::internal::GetCapturedStdout();
-    ASSERT_NE(out.find("bestmove "), std::string::npos) << fen;
+    ASSERT_NE(f.search(SearchLimits{.nodes = 3000}).find("bestmove "), std::string::npos) << fen;
     ++searched;
   }
 }

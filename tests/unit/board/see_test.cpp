@@ -14,11 +14,7 @@ bool see(const Position& pos, Move m) {
 }
 
 TEST(See, ExchangesOnHandBuiltPositions) {
-  const struct {
-    const char* fen;
-    const char* move;
-    bool not_losing;
-  } cases[] = {
+  const struct { const char* fen; const char* move; bool not_losing; } cases[] = {
       // Cheap answers: a rook takes a pawn defended by a pawn, a queen a rook
       // defended by a knight; an undefended piece, or one worth the mover.
       {"4k3/8/4p3/3p4/8/8/8/3R2K1 w - - 0 1", "d1d5", false},

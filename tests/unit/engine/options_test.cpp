@@ -2,9 +2,6 @@
 // handlers.
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "engine/options.h"
 #include "engine_test_util.h"
 
@@ -23,11 +20,7 @@ struct OptionsTest : ::testing::Test, test::EngineFixture {};
 // Values outside the range, not numbers at all, or not exactly "true" /
 // "false" leave the old value (and run no handler).
 TEST_F(OptionsTest, RejectedValuesLeaveTheOldValue) {
-  const struct {
-    const char* name;
-    const char* value;
-    const char* stored;
-  } cases[] = {
+  const struct { const char *name, *value, *stored; } cases[] = {
       {"UCI_Elo", "3000", "1400"},
       {"UCI_Elo", "849", "1400"},
       {"UCI_Elo", "850", "850"},

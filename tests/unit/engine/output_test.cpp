@@ -20,14 +20,13 @@ std::string Captured(void (*print)()) {
 
 const Move E2E4 = make_move(SQ_E2, SQ_E4), E7E5 = make_move(SQ_E7, SQ_E5), G1F3 = make_move(SQ_G1, SQ_F3);
 
+std::array<int, 3> shares(const WdlPermille& p) { return {p.win, p.draw, p.loss}; }
+
 // Centipawns are score * 100 / 256; known wins keep 4000 centipawns off;
 // mates count moves from the plies; a tablebase root score (second argument)
 // replaces all but mate scores.
 TEST(ScoreText, CentipawnsMatesAndTablebaseScores) {
-  const struct {
-    Value score, tb_score;
-    const char* text;
-  } cases[] = {
+  const struct { Value score, tb_score; const char* text; } cases[] = {
       {512, VALUE_INFINITE, "cp 200"},       {-1, VALUE_INFINITE, "cp 0"},
       {-255, VALUE_INFINITE, "cp -99"},      {-31500, VALUE_INFINITE, "cp -27500"},
       {31999, VALUE_INFINITE, "cp 27999"},   {32499, VALUE_INFINITE, "mate 1"},
@@ -38,7 +37,10 @@ TEST(ScoreText, CentipawnsMatesAndTablebaseScores) {
   for (const auto& c : cases) EXPECT_EQ(ScoreText(c.score, c.tb_score), c.text) << c.score << " " << c.tb_score;
 }
 
-TEST(PvLine, AllFieldsInOrder) {
+// Every field in order; then a bare record: seldepth below the depth reports
+// the depth, no nps at time 0, no zero hit counts, and " wdl" only after the
+// score and its bound word when the record carries the root's material.
+TEST(PvLine, FieldsInOrderAndOptionalOnesLeftOut) {
   PvRecord r{.multipv = 2, .depth = 49, .seldepth = 19, .time = 1532, .score = 80, .bound = PV_LOWER_BOUND,
              .nodes = 2054321, .tbhits = 7, .sbhits = 3, .hashfull = 87, .pv_length = 3, .pv = {E2E4, E7E5, G1F3}};
   EXPECT_EQ(PvLineText(r),
@@ -46,18 +48,17 @@ TEST(PvLine, AllFieldsInOrder) {
             "tbhits 7 sbhits 3 hashfull 87 pv e2e4 e7e5 g1f3");
   r.bound = PV_UPPER_BOUND;
   EXPECT_NE(PvLineText(r).find("score cp 31 upperbound nodes"), std::string::npos);
-}
 
-// The " wdl" field follows the score and its bound word when the record
-// carries the root's material.
-TEST(PvLine, WinDrawLossFieldAfterTheBound) {
-  PvRecord r{.depth = 8, .score = 32498, .bound = PV_LOWER_BOUND, .nodes = 40, .pv_length = 1, .pv = {E2E4}};
-  r.wdl_material = 78;
-  EXPECT_EQ(PvLineText(r),
-            "info depth 2 seldepth 2 time 0 score mate 1 lowerbound wdl 1000 0 0 nodes 40 hashfull 0 pv e2e4");
-  r.bound = PV_EXACT;
-  r.score = -32498;
-  EXPECT_EQ(PvLineText(r), "info depth 2 seldepth 2 time 0 score mate -1 wdl 0 0 1000 nodes 40 hashfull 0 pv e2e4");
+  PvRecord bare{.depth = 8, .seldepth = 1, .score = -32498, .nodes = 40, .pv_length = 1, .pv = {E2E4}};
+  EXPECT_EQ(PvLineText(bare), "info depth 2 seldepth 2 time 0 score mate -1 nodes 40 hashfull 0 pv e2e4");
+  bare.wdl_material = 78;
+  EXPECT_EQ(PvLineText(bare),
+            "info depth 2 seldepth 2 time 0 score mate -1 wdl 0 0 1000 nodes 40 hashfull 0 pv e2e4");
+  bare.score = 32498;
+  bare.bound = PV_LOWER_BOUND;
+  bare.pv_length = 0;
+  EXPECT_EQ(PvLineText(bare),
+            "info depth 2 seldepth 2 time 0 score mate 1 lowerbound wdl 1000 0 0 nodes 40 hashfull 0 pv");
 }
 
 // Mates and tablebase-resolved roots are certain; otherwise the shares are
@@ -65,16 +66,12 @@ TEST(PvLine, WinDrawLossFieldAfterTheBound) {
 // negation swap win and loss), and move with the score the right way at
 // every material count.
 TEST(ReportedWdl, CertainResultsAndTheModelsShape) {
-  const struct {
-    Value score, tb_score;
-    WdlPermille wdl;
-  } certain[] = {{32499, VALUE_INFINITE, {1000, 0, 0}}, {-32000, VALUE_INFINITE, {0, 0, 1000}},
-                 {32497, 0, {1000, 0, 0}},               {-500, 32000, {1000, 0, 0}},
-                 {700, 0, {0, 1000, 0}},                 {100, -32000, {0, 0, 1000}}};
-  for (const auto& c : certain) {
-    const WdlPermille p = ReportedWdl(c.score, c.tb_score, 40);
-    EXPECT_EQ((std::array{p.win, p.draw, p.loss}), (std::array{c.wdl.win, c.wdl.draw, c.wdl.loss})) << c.score;
-  }
+  const struct { Value score, tb_score; WdlPermille wdl; } certain[] = {
+      {32499, VALUE_INFINITE, {1000, 0, 0}}, {-32000, VALUE_INFINITE, {0, 0, 1000}},
+      {32497, 0, {1000, 0, 0}},              {-500, 32000, {1000, 0, 0}},
+      {700, 0, {0, 1000, 0}},                {100, -32000, {0, 0, 1000}}};
+  for (const auto& c : certain)
+    EXPECT_EQ(shares(ReportedWdl(c.score, c.tb_score, 40)), shares(c.wdl)) << c.score;
   // Above 78, the starting material, the model was not fitted (promoted
   // queens): it reads as 78, not as the sure draw its midpoint gives at 89.
   for (int material = 0; material <= 100; ++material) {
@@ -84,7 +81,7 @@ TEST(ReportedWdl, CertainResultsAndTheModelsShape) {
       const WdlPermille q = ReportedWdl(-score, VALUE_INFINITE, material);
       const WdlPermille fitted = ReportedWdl(score, VALUE_INFINITE, std::min(material, 78));
       ASSERT_TRUE(p.win >= 0 && p.draw >= 0 && p.loss >= 0 && p.win + p.draw + p.loss == 1000) << score;
-      ASSERT_EQ((std::array{p.win, p.draw, p.loss}), (std::array{q.loss, q.draw, q.win})) << score << " " << material;
+      ASSERT_EQ(shares(p), (std::array{q.loss, q.draw, q.win})) << score << " " << material;
       ASSERT_EQ(p.win, fitted.win) << score << " " << material;
       ASSERT_TRUE(p.win >= last.win && p.loss <= last.loss) << score << " " << material;
       last = p;
@@ -99,23 +96,10 @@ TEST(ReportedWdl, CertainResultsAndTheModelsShape) {
 }
 
 TEST(ToPermille, RoundsWinAndLossAndTheDrawTakesTheRest) {
-  const struct {
-    WdlChances chances;
-    WdlPermille permille;
-  } cases[] = {{{0.5625, 0.0, 0.4375}, {563, 0, 437}}, {{0.0004, 0.9992, 0.0004}, {0, 1000, 0}},
-               {{0.3336, 0.3328, 0.3336}, {334, 332, 334}}, {{1.0, 0.0, 0.0}, {1000, 0, 0}}};
-  for (const auto& c : cases) {
-    const WdlPermille p = ToPermille(c.chances);
-    EXPECT_EQ((std::array{p.win, p.draw, p.loss}), (std::array{c.permille.win, c.permille.draw, c.permille.loss}));
-  }
-}
-
-TEST(PvLine, OptionalFieldsLeftOut) {
-  // seldepth below the depth reports the depth; no nps at time 0, no zero hit counts.
-  PvRecord r{.depth = 8, .seldepth = 1, .score = -32498, .nodes = 40, .pv_length = 1, .pv = {E2E4}};
-  EXPECT_EQ(PvLineText(r), "info depth 2 seldepth 2 time 0 score mate -1 nodes 40 hashfull 0 pv e2e4");
-  r.pv_length = 0;
-  EXPECT_EQ(PvLineText(r), "info depth 2 seldepth 2 time 0 score mate -1 nodes 40 hashfull 0 pv");
+  const struct { WdlChances chances; WdlPermille permille; } cases[] = {
+      {{0.5625, 0.0, 0.4375}, {563, 0, 437}}, {{0.0004, 0.9992, 0.0004}, {0, 1000, 0}},
+      {{0.3336, 0.3328, 0.3336}, {334, 332, 334}}, {{1.0, 0.0, 0.0}, {1000, 0, 0}}};
+  for (const auto& c : cases) EXPECT_EQ(shares(ToPermille(c.chances)), shares(c.permille));
 }
 
 // Iteration lines, currmove only from 1500 ms, hashfull first and no speed

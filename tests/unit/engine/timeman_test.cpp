@@ -1,6 +1,8 @@
 // Time allocation and its adjustment by root events.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "engine/timeman.h"
 #include "test_util.h"
 
@@ -10,34 +12,21 @@ namespace {
 const char* const KINGS_ONLY = "4k3/8/8/8/8/8/8/4K3 w - - 0 1";
 
 SearchLimits clock_limits(int wtime, int winc = 0, int movestogo = 0) {
-  SearchLimits l;
-  l.time[WHITE] = wtime;
-  l.inc[WHITE] = winc;
-  l.movestogo = movestogo;
-  return l;
+  return {.time = {wtime, -1}, .inc = {winc, 0}, .movestogo = movestogo};
 }
 
 using Budget = std::pair<int, int>;
 
-// Target and maximum for White to move.
+// Target and maximum for White to move, and a fresh event state.
 TEST(AllocateTime, TargetAndMaximum) {
-  SearchLimits black_only;  // only the other side's clock given: still a clock, with no time of ours
-  black_only.time[BLACK] = 60000;
-  TimeSettings ponder, no_buffer, less;
-  ponder.ponder = true;
-  no_buffer.buffer_sec = 0;
-  less.usage_percent = 50;
-  const struct {
-    SearchLimits limits;
-    const char* fen;
-    TimeSettings settings;
-    Budget expected;
-  } cases[] = {
+  const TimeSettings ponder{.ponder = true}, no_buffer{.buffer_sec = 0}, less{.usage_percent = 50};
+  const struct { SearchLimits limits; const char* fen; TimeSettings settings; Budget expected; } cases[] = {
       {clock_limits(60000), test::START_FEN, {}, {1038, 19470}},
       {clock_limits(60000, 1000), test::START_FEN, {}, {1944, 19470}},
       {clock_limits(60000, -500), test::START_FEN, {}, {1038, 19470}},  // negative increments count as none
       {clock_limits(500), test::START_FEN, {}, {10, 20}},                // below the buffer: the floors
-      {black_only, test::START_FEN, {}, {10, 20}},
+      // Only the other side's clock given: still a clock, with no time of ours.
+      {{.time = {-1, 60000}}, test::START_FEN, {}, {10, 20}},
       {clock_limits(300000, 0, 40), test::START_FEN, {}, {5695, 71190}},
       // A repeating control with increment: 9/10 of the increment joins the
       // share of the remaining time, (299000 / 42 + 1800) * 0.8.
@@ -48,23 +37,17 @@ TEST(AllocateTime, TargetAndMaximum) {
       {clock_limits(60000), test::START_FEN, no_buffer, {1056, 19800}},
       {clock_limits(60000), test::START_FEN, less, {519, 19470}},
   };
-  for (const auto& c : cases) {
-    AllocateTime(c.limits, WHITE, test::from_fen(c.fen), c.settings);
-    EXPECT_EQ(Budget(time_manager.target, time_manager.maximum), c.expected)
-        << c.fen << " " << c.limits.time[WHITE] << "+" << c.limits.inc[WHITE] << "/" << c.limits.movestogo;
-  }
-}
-
-TEST(AllocateTime, ResetsTheEventState) {
-  const Position start = test::startpos();
-  AllocateTime(clock_limits(60000), WHITE, start, {});
-  TimeEvent(EVENT_ITERATION_END, 100, 50);
-  TimeEvent(EVENT_RESEARCH, 300, 50);
-  AllocateTime(clock_limits(60000), WHITE, start, {});
   const TimeManager& t = time_manager;
-  EXPECT_EQ(std::vector<double>({t.factor, double(t.extra), double(t.count), double(t.last_score),
-                                 double(t.active), double(t.unresolved)}),
-            std::vector<double>({1.0, 0, 0, VALUE_INFINITE, 0, 0}));
+  for (const auto& c : cases) {
+    // The events of the last search leave nothing behind.
+    TimeEvent(EVENT_ITERATION_END, 100, 50);
+    TimeEvent(EVENT_RESEARCH, 300, 50);
+    AllocateTime(c.limits, WHITE, test::from_fen(c.fen), c.settings);
+    EXPECT_EQ(Budget(t.target, t.maximum), c.expected)
+        << c.fen << " " << c.limits.time[WHITE] << "+" << c.limits.inc[WHITE] << "/" << c.limits.movestogo;
+    EXPECT_EQ(std::tuple(t.factor, t.extra, t.count, t.last_score, t.active, t.unresolved),
+              std::tuple(1.0, 0, 0, VALUE_INFINITE, false, false));
+  }
 }
 
 // A manager with target 1000 and maximum 10000, active after one iteration
@@ -123,14 +106,7 @@ TEST(TimeEvent, UnsettledRootAddsTime) {
 }
 
 TEST(TimeUp, FirstMillisecondThatEndsTheSearch) {
-  const struct {
-    int phase;
-    bool unresolved;
-    int extra;
-    double factor;
-    bool active;
-    int first;
-  } cases[] = {
+  const struct { int phase; bool unresolved; int extra; double factor; bool active; int first; } cases[] = {
       {PHASE_ITERATION, false, 0, 1.0, true, 750},
       {PHASE_ROOT_MOVE, false, 0, 1.0, true, 1000},
       {PHASE_TREE, false, 0, 1.0, true, 2000},

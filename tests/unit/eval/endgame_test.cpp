@@ -1,5 +1,5 @@
-// Endgame functions: trivial draws, KPK through the bitbase, wrong bishop and rook pawns.
-// The bitbase itself is compared with the generator's KPK in tbgen/facts_test.
+// Endgame functions: KPK through the bitbase, wrong bishop and rook pawns (the
+// trivial draws: material_test; the bitbase against the generator: tbgen/facts_test).
 #include <gtest/gtest.h>
 
 #include "eval/endgame.h"
@@ -9,14 +9,6 @@ namespace vx {
 namespace {
 
 using EndgameTest = test::EvalTest;
-
-TEST_F(EndgameTest, TrivialMaterialIsExactlyZero) {
-  for (const char* placement : {"8/8/8/4k3/8/8/8/4K3", "8/8/8/4k3/8/8/8/3NKN2", "5b2/8/8/4k3/8/8/8/4K3"})
-    for (const char* side : {" w - - 0 1", " b - - 0 1"}) {
-      const std::string fen = std::string(placement) + side;
-      EXPECT_EQ(eval_fen(fen), 0) << fen;
-    }
-}
 
 TEST_F(EndgameTest, KpkUsesTheBitbase) {
   // Rook pawn with the defender in the corner: drawn, leaning one unit.

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "eval/material.h"
-#include "test_util.h"
+#include "eval_test_util.h"
 
 namespace vx {
 namespace {
@@ -45,13 +45,18 @@ TEST(Material, PhaseAndImbalance) {
             mg_value(entry_of("4k3/ppp5/8/8/8/4B3/PPP5/2B1K3 w - - 0 1").value));
 }
 
+// Bare kings, one or two knights, a bishop of either colour: the trivial
+// draw function, which scores exactly 0 whoever is to move.
 TEST(Material, EndgameRouting) {
-  // Bare kings, one or two knights, a bishop of either colour: the trivial draw function.
-  for (const char* fen : {"8/8/8/4k3/8/8/8/4K3 w - - 0 1", "8/8/8/4k3/8/8/8/4KN2 w - - 0 1",
-                          "8/8/8/4k3/8/8/8/3NKN2 b - - 0 1", "8/8/8/4k3/8/8/8/4KB2 w - - 0 1",
-                          "8/8/8/4k3/8/8/8/2B1K3 w - - 0 1", "2b5/8/8/4k3/8/8/8/4K3 w - - 0 1",
-                          "5b2/8/8/4k3/8/8/8/4K3 w - - 0 1", "1n3n2/8/8/4k3/8/8/8/4K3 w - - 0 1"})
-    EXPECT_EQ(entry_of(fen).evalFn, 1) << fen;
+  test::EvalFixture f;
+  for (const char* placement : {"8/8/8/4k3/8/8/8/4K3", "8/8/8/4k3/8/8/8/4KN2", "8/8/8/4k3/8/8/8/3NKN2",
+                                "8/8/8/4k3/8/8/8/4KB2", "8/8/8/4k3/8/8/8/2B1K3", "2b5/8/8/4k3/8/8/8/4K3",
+                                "5b2/8/8/4k3/8/8/8/4K3", "1n3n2/8/8/4k3/8/8/8/4K3"})
+    for (const char* side : {" w - - 0 1", " b - - 0 1"}) {
+      const std::string fen = std::string(placement) + side;
+      EXPECT_EQ(entry_of(fen).evalFn, 1) << fen;
+      EXPECT_EQ(f.eval_fen(fen), 0) << fen;
+    }
   EXPECT_EQ(entry_of("8/8/8/4k3/8/8/4P3/4K3 w - - 0 1").evalFn, 2);  // KPK, either side
   EXPECT_EQ(entry_of("8/4p3/8/4k3/8/8/8/4K3 w - - 0 1").evalFn, 3);
   EXPECT_EQ(entry_of("8/8/8/4k3/8/8/8/3BKB2 w - - 0 1").evalFn, 0);  // the bishop pair can mate

@@ -1,12 +1,11 @@
-// Piece-square tables and their strength-limitation noise.
+// Piece-square tables and their strength-limitation noise, drawn by Random.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
-#include <set>
 
 #include "eval/evaluate.h"
 #include "eval/psq.h"
-#include "search/random.h"
 #include "test_util.h"
 
 namespace vx {
@@ -33,6 +32,8 @@ TEST_F(PsqTest, FilesMirrorAndBlackMirrorsWhite) {
 
 // Strength limitation adds noise of at most psq_noise_for_elo units to every
 // entry, breaking the mirror symmetry; from 2150 Elo on the tables stay clean.
+// Over 768 draws each end of Random's range comes up (each is missed with a
+// chance of about 2e-6), and Random(0, 0) is 0.
 TEST_F(PsqTest, NoiseOnlyBelow2150Elo) {
   EXPECT_EQ(psq_noise_for_elo(2125), 0);  // 25 Elo are less than one unit
   ASSERT_EQ(psq_noise_for_elo(1400), 29);
@@ -43,32 +44,21 @@ TEST_F(PsqTest, NoiseOnlyBelow2150Elo) {
     EXPECT_EQ(std::memcmp(clean, PSQ, sizeof(PSQ)), 0) << elo;
   }
   init_eval(true, 1400);
-  int changed = 0, unmirrored = 0;
+  int changed = 0, unmirrored = 0, lowest = 0, highest = 0;
   for (Piece p = W_PAWN; p <= W_KING; ++p)
     for (Square s = 0; s < 64; ++s) {
       const int dmg = mg_value(PSQ[p][s]) - mg_value(clean[p][s]);
       const int deg = eg_value(PSQ[p][s]) - eg_value(clean[p][s]);
-      EXPECT_LE(std::abs(dmg), 29);
-      EXPECT_LE(std::abs(deg), 29);
+      lowest = std::min({lowest, dmg, deg}), highest = std::max({highest, dmg, deg});
       changed += dmg != 0 || deg != 0;
       unmirrored += PSQ[p + 8][s ^ 56] != -PSQ[p][s];
     }
+  EXPECT_EQ(lowest, -29);
+  EXPECT_EQ(highest, 29);
   EXPECT_GT(changed, 400);
   EXPECT_GT(unmirrored, 400);
   init_eval(false);
   EXPECT_EQ(std::memcmp(clean, PSQ, sizeof(PSQ)), 0);
-}
-
-TEST(RandomTest, StaysInRangeAndCoversIt) {
-  std::set<int> seen;
-  for (int i = 0; i < 2000; ++i) {
-    const int r = Random(-3, 3);
-    ASSERT_GE(r, -3);
-    ASSERT_LE(r, 3);
-    seen.insert(r);
-  }
-  EXPECT_EQ(seen.size(), 7u);
-  EXPECT_EQ(Random(42, 42), 42);
 }
 
 }  // namespace

@@ -125,16 +125,5 @@ TEST_F(EvalTermsTest, TermsFollowTheSideTheyRead) {
   }
 }
 
-TEST_F(EvalTermsTest, BishopLinesAndPins) {
-  // Bishop b5 pins the knight on c6: the knight becomes a blocker of the black king.
-  AttackInfo pin{};
-  evaluate<false>(ss, test::from_fen("4k3/8/2n5/1B6/8/8/8/4K3 w - - 0 1"), pin);
-  EXPECT_EQ(pin.black_king_blockers, test::squares({SQ_C6}));
-  // A bishop giving check has nothing between: no line bonus, no blocker.
-  AttackInfo check{};
-  evaluate<false>(ss, test::from_fen("4k3/8/8/1B6/8/8/8/4K3 b - - 0 1"), check);
-  EXPECT_EQ(check.black_king_blockers, 0u);
-}
-
 }  // namespace
 }  // namespace vx

@@ -15,14 +15,10 @@ using test::move_of;
 
 MoveEntry Quiet(int history, Move m) { return (MoveEntry(history) << 16) | m; }
 
-// Quiet moves with history above 1024 go first; the two-ended exchange
-// fixes the order of the rest.
+// Quiet moves 1, 2, ... with history above 1024 go first; the two-ended
+// exchange fixes the order of the rest.
 TEST(PickerPartition, TwoEndedExchange) {
-  const struct {
-    std::vector<int> history;  // of moves 1, 2, ...
-    std::vector<Move> order;
-    int good;
-  } cases[] = {
+  const struct { std::vector<int> history; std::vector<Move> order; int good; } cases[] = {
       {{1200, 1000, 1100, 900, 1300}, {1, 5, 3, 4, 2}, 3},  // q2 exchanged with q5, then the cursors meet
       {{1024, 1025, 1024}, {2, 1, 3}, 1},                  // neutral history is not good
       {{1000, 1024, 31}, {1, 2, 3}, 0},
@@ -35,12 +31,6 @@ TEST(PickerPartition, TwoEndedExchange) {
     std::vector<Move> order(list.begin(), list.end());
     EXPECT_EQ(order, c.order);
   }
-}
-
-TEST(PickerSort, LargestFirstAndEqualEntriesKeepTheirOrder) {
-  MoveEntry list[5] = {5, 9, 5, 1, 9};
-  InsertionSortDescending(list, list + 5);
-  EXPECT_EQ(std::vector<MoveEntry>(list, list + 5), (std::vector<MoveEntry>{9, 9, 5, 5, 1}));
 }
 
 // Moves the main-search picker yields (qdepth unset), or the quiescence picker's at qdepth.

@@ -3,6 +3,8 @@
 // tests/protocol.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "engine_test_util.h"
 #include "search/root.h"
 #include "search/search.h"
@@ -10,29 +12,24 @@
 namespace vx {
 namespace {
 
+using Bounds = std::tuple<Value, Value, int>;
+Bounds bounds(const Window& w) { return {w.alpha, w.beta, w.delta}; }
+
 TEST(Aspiration, ShallowOrUnknownScoresUseTheFullWindow) {
   for (const Window& w : {InitialWindow(12, true, 100), InitialWindow(16, false, 100),
                           InitialWindow(16, true, VALUE_INFINITE), InitialWindow(16, true, 2560),
-                          InitialWindow(16, true, -2560)}) {
-    EXPECT_EQ(w.alpha, -32501);
-    EXPECT_EQ(w.beta, 32501);
-  }
-  const Window w = InitialWindow(16, true, 100);
-  EXPECT_EQ(w.alpha, 82);
-  EXPECT_EQ(w.beta, 118);
+                          InitialWindow(16, true, -2560)})
+    EXPECT_EQ(std::pair(w.alpha, w.beta), std::pair(-32501, 32501));
+  EXPECT_EQ(bounds(InitialWindow(16, true, 100)), Bounds(82, 118, 18));
 }
 
 TEST(Aspiration, FailsWidenByAGrowingDelta) {
   Window w = InitialWindow(16, true, 100);
   EXPECT_FALSE(WidenWindow(w, 100));
   ASSERT_TRUE(WidenWindow(w, 50));
-  EXPECT_EQ(w.alpha, 32);
-  EXPECT_EQ(w.beta, 100);
-  EXPECT_EQ(w.delta, 27);
+  EXPECT_EQ(bounds(w), Bounds(32, 100, 27));
   ASSERT_TRUE(WidenWindow(w, 20));
-  EXPECT_EQ(w.alpha, 20 - 27);
-  EXPECT_EQ(w.beta, 66);
-  EXPECT_EQ(w.delta, 38);
+  EXPECT_EQ(bounds(w), Bounds(20 - 27, 66, 38));
 }
 
 TEST(Aspiration, LargeDeltaOrMateScoresOpenTheWindow) {

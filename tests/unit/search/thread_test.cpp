@@ -6,35 +6,14 @@
 
 #include <sstream>
 
-#include "engine/bench.h"
 #include "engine/commands.h"
-#include "engine/launch.h"
 #include "engine_test_util.h"
 #include "search/root.h"
 
 namespace vx {
 namespace {
 
-struct ThreadsTest : ::testing::Test, test::EngineFixture {
-  // Runs "go depth N" on the pool's position; returns everything written.
-  std::string Search(int depth) {
-    SearchState& st = pool.main();
-    st.limits = SearchLimits{};
-    st.limits.depth = depth;
-    MoveList legal;
-    GenerateLegal(position, legal);
-    std::vector<Move> moves(legal.begin(), legal.end());
-    testing::internal::CaptureStdout();
-    LaunchSearch(pool, MOVE_NONE, MOVE_NONE, moves);
-    return testing::internal::GetCapturedStdout();
-  }
-
-  uint64_t HelperNodes() {
-    uint64_t sum = 0;
-    for (size_t i = 1; i < pool.threads.size(); ++i) sum += pool.threads[i]->state->nodes;
-    return sum;
-  }
-};
+struct ThreadsTest : ::testing::Test, test::EngineFixture {};
 
 TEST_F(ThreadsTest, PoolGrowsAndShrinksWithHelpersOnTheMainRoot) {
   position.SetFromFen(test::KIWIPETE);
@@ -60,39 +39,27 @@ TEST_F(ThreadsTest, PoolGrowsAndShrinksWithHelpersOnTheMainRoot) {
 TEST_F(ThreadsTest, HelpersSearchAndTheOutputCountsTheirNodes) {
   position.SetFromFen("r1bq1rk1/pp2bppp/2n1pn2/2pp4/3P4/2PBPN2/PP1N1PPP/R2QK2R w KQ - 0 8");
   SetOption("Threads", "3");
-  const std::string out = Search(13);
+  const std::string out = search({.depth = 13});
   for (size_t i = 1; i < pool.threads.size(); ++i) EXPECT_GT(uint64_t(pool.threads[i]->state->nodes), 0u);
   // The last iteration summary is written just before the search ends: by
   // then the helpers' nodes are in it, so it exceeds the main thread's own.
-  uint64_t last = 0;
-  std::string best;
-  std::istringstream lines(out);
-  for (std::string line; std::getline(lines, line);) {
-    std::istringstream words(line);
-    std::string w[3];
-    words >> w[0] >> w[1];
-    if (w[0] == "bestmove") best = w[1];
-    uint64_t time = 0, nodes = 0;
-    if (w[0] == "info" && w[1] == "time" && words >> time >> w[2] >> nodes && w[2] == "nodes") last = nodes;
-  }
-  ASSERT_GT(last, 0u) << out;
-  EXPECT_GT(last, uint64_t(state->nodes));
-  EXPECT_NE(ParseMove(position, best), MOVE_NONE) << best;
+  const size_t summary = out.rfind("info time ");
+  ASSERT_NE(summary, std::string::npos) << out;
+  EXPECT_GT(std::stoull(out.substr(out.find(" nodes ", summary) + 7)), uint64_t(state->nodes));
+  std::string word, best;
+  std::istringstream(out.substr(out.rfind("bestmove "))) >> word >> best;
+  EXPECT_NE(ParseMove(position, best), MOVE_NONE) << out;
 }
 
-TEST_F(ThreadsTest, StrengthLimitAndBenchSearchWithOneThread) {
+// Bench searches with one thread too: tests/protocol/test_threads.py.
+TEST_F(ThreadsTest, StrengthLimitSearchesWithOneThread) {
   SetOption("Threads", "2");
   SetOption("UCI_LimitStrength", "true");
   position.SetFromFen(test::START_FEN);
-  Search(6);
-  EXPECT_EQ(HelperNodes(), 0u);
+  search({.depth = 6});
+  EXPECT_EQ(uint64_t(pool.threads[1]->state->nodes), 0u);
   EXPECT_GT(uint64_t(state->nodes), 0u);
   SetOption("UCI_LimitStrength", "false");
-
-  testing::internal::CaptureStdout();
-  RunBench(pool, -14);
-  testing::internal::GetCapturedStdout();
-  EXPECT_EQ(HelperNodes(), 0u);
 }
 
 TEST(HelperIterations, EveryDepthIsSearchedBySomeHelpersAndSkippedByOthers) {

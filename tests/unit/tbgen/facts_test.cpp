@@ -14,20 +14,15 @@ using tbgen::V_DRAW;
 using tbgen::V_LOSS;
 using tbgen::V_WIN;
 
+bool IsForcedLoss(Position& pos, int plies);
+
 // The side to move mates within `plies` plies whatever the defence.
 bool ForcesMate(Position& pos, int plies) {
   MoveList moves;
   GenerateLegal(pos, moves);
   for (int i = 0; plies > 0 && i < moves.size; ++i) {
     test::play(pos, moves.moves[i]);
-    MoveList replies;
-    GenerateLegal(pos, replies);
-    bool mates = replies.size > 0 || InCheck(pos);
-    for (int j = 0; mates && j < replies.size; ++j) {
-      test::play(pos, replies.moves[j]);
-      mates = ForcesMate(pos, plies - 2);
-      test::unplay(pos, replies.moves[j]);
-    }
+    const bool mates = IsForcedLoss(pos, plies - 1);
     test::unplay(pos, moves.moves[i]);
     if (mates) return true;
   }
