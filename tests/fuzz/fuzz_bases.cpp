@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cstdint>
-#include <cstring>
 #include <fstream>
 #include <string>
 #include <vector>

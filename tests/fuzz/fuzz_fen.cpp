@@ -2,13 +2,11 @@
 // walk its move tree two plies deep in both bit-count builds (checking that
 // they agree and that no king is ever captured) and run a tiny search on it.
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 
 #include "board/perft.h"
 #include "engine/engine.h"
-#include "engine/startup.h"
 #include "engine/uci.h"
 #include "fuzz_engine.h"
 

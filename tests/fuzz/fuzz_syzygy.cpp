@@ -5,8 +5,6 @@
 // there). The file is registered and probed at random positions, then read
 // from an exactly sized heap copy so that the address sanitizer sees any read
 // past its end. A broken table may only fail its probes.
-#include <unistd.h>
-
 #include <fstream>
 #include <iterator>
 #include <map>

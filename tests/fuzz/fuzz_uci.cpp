@@ -3,14 +3,12 @@
 // cap ("ponder" becomes "infinite", which the cap ends too); bench, perft and
 // hash sizes are left out as slow by design.
 #include <cstdint>
-#include <cstdio>
 #include <sstream>
 #include <string>
 
 #include "engine/commands.h"
 #include "engine/engine.h"
 #include "engine/options.h"
-#include "engine/startup.h"
 #include "engine/uci.h"
 #include "fuzz_engine.h"
 
@@ -34,10 +32,8 @@ std::string Tame(const std::string& line) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  vx::Engine& engine = fuzz::TheEngine();
-  vx::ThreadPool& pool = engine.pool;
-  std::string text(reinterpret_cast<const char*>(data), size);
-  std::istringstream lines(text);
+  vx::ThreadPool& pool = fuzz::TheEngine().pool;
+  std::istringstream lines(std::string(reinterpret_cast<const char*>(data), size));
   std::string line;
   for (size_t n = 0; n < MAX_LINES && std::getline(lines, line); ++n) {
     line = Tame(line);

@@ -1,10 +1,5 @@
-"""Drives the engine through pipes, as a chess GUI would.
-
-Engine(path, *args) starts the process; send() writes lines, read_line() and
-read_until() read them with time limits, so that a hung engine fails a test
-instead of hanging it. start() gives a test its engine, EngineTestCase one per
-test with a search helper; run() executes the engine once in command-line mode.
-"""
+"""Drives the engine through pipes, as a chess GUI would. Every read has a
+time limit, so that a hung engine fails a test instead of hanging it."""
 import queue
 import os
 import subprocess
@@ -16,9 +11,8 @@ import unittest
 
 DEFAULT_TIMEOUT = 10.0
 NO_BASES = "info string vorlaxenbasses with 0 men found (0 MB)"
-# The engine under test: the first argument of every test file ctest runs.
 ENGINE = os.path.abspath(sys.argv[1] if len(sys.argv) > 1 else "build/vorlaxen")
-# Syzygy tables: tests that need them are skipped without them.
+DEV = sys.argv[2] if len(sys.argv) > 2 else "build/vorlaxen-dev"
 SYZYGY = os.path.abspath(os.environ.get("VORLAXEN_SYZYGY_DIR", os.path.join(
     os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "shared", "syzygy")))
 needs_syzygy = unittest.skipUnless(os.path.isfile(os.path.join(SYZYGY, "KQvK.rtbw")),
@@ -48,13 +42,11 @@ class Engine:
         self._lines.put(None)  # end of output
 
     def send(self, line):
-        """Writes one line (str or bytes); a newline is added."""
         data = line if isinstance(line, bytes) else line.encode()
         self.proc.stdin.write(data + b"\n")
         self.proc.stdin.flush()
 
     def read_line(self, timeout=None):
-        """The next output line; EngineError on timeout or end of output."""
         try:
             line = self._lines.get(timeout=self.timeout if timeout is None else timeout)
         except queue.Empty:
@@ -79,7 +71,6 @@ class Engine:
                 return lines
 
     def sync(self, timeout=None):
-        """Sends "isready"; returns the lines written before "readyok"."""
         self.send("isready")
         return self.read_until("readyok", timeout)[:-1]
 
@@ -87,7 +78,6 @@ class Engine:
         self.proc.stdin.close()
 
     def wait(self, timeout=None):
-        """Exit status; EngineError when the process does not end in time."""
         try:
             return self.proc.wait(timeout=self.timeout if timeout is None else timeout)
         except subprocess.TimeoutExpired:
@@ -122,7 +112,6 @@ def start(case, path, *args, cwd=None, timeout=DEFAULT_TIMEOUT):
 
 
 class EngineTestCase(unittest.TestCase):
-    """A fresh engine for each test; its first "isready" finds no databases."""
     timeout = 20.0
 
     def setUp(self):
@@ -143,18 +132,17 @@ class EngineTestCase(unittest.TestCase):
 
 
 def run(path, *args, stdin=b"", timeout=DEFAULT_TIMEOUT, cwd=None, env=None):
-    """Runs the engine to its end; returns (exit status, output lines).
-    env: variables added to the environment."""
+    """Runs the engine to its end (env: variables added); returns (exit status, output lines)."""
     full_env = dict(os.environ, **env) if env else None
     r = subprocess.run([path, *args], input=stdin, capture_output=True, timeout=timeout, cwd=cwd, env=full_env)
     return r.returncode, r.stdout.decode("utf-8", errors="replace").splitlines()
 
 
-def per_position(output):
+def per_position(lines):
     """(nodes of the last info line, bestmove line) of every searched position
-    of a bench's or a search's output text."""
+    of a bench's or a search's output lines."""
     result, nodes = [], None
-    for line in output.splitlines():
+    for line in lines:
         words = line.split()
         if words[:1] == ["info"] and "nodes" in words:
             nodes = int(words[words.index("nodes") + 1])

@@ -52,15 +52,13 @@ def functions_with_newer_instructions(binary, objdump="objdump"):
 
 
 def outside_bmi2_build(binary, objdump="objdump"):
-    """The functions outside the BMI2 build that use newer instructions."""
     found = functions_with_newer_instructions(binary, objdump)
     return {f: m for f, m in found.items()
             if not BMI2_BUILD.match(f) and not LIBC_MULTIARCH.match(f.split("@")[0])}
 
 
 def bmi2_build_functions(binary, objdump="objdump"):
-    """How many functions of the BMI2 build use newer instructions (the build
-    is really compiled for its processors)."""
+    """How many functions of the BMI2 build use newer instructions (it is really built for them)."""
     return sum(1 for f in functions_with_newer_instructions(binary, objdump) if BMI2_BUILD.match(f))
 
 

@@ -15,20 +15,20 @@ def max_field(lines, name):
     return max((int(m.group(1)) for m in (re.search(r" %s (\d+)" % name, l) for l in lines) if m), default=0)
 
 
-class Limited(EngineTestCase):
-    def limit(self, elo):
-        self.engine.send("setoption name UCI_LimitStrength value true")
-        self.engine.send("setoption name UCI_Elo value %d" % elo)
+def limit(engine, elo):
+    engine.send("setoption name UCI_LimitStrength value true")
+    engine.send("setoption name UCI_Elo value %d" % elo)
 
+
+class Limited(EngineTestCase):
     def timed_go(self, position, go):
-        """(lines before "bestmove", the move, seconds until it came)."""
         self.engine.sync()
         start = time.monotonic()
         lines, best, _ = self.go(position, go)
         return lines, best, time.monotonic() - start
 
     def test_fixed_depth_ends_after_about_the_budget(self):
-        self.limit(850)
+        limit(self.engine, 850)
         lines, _, seconds = self.timed_go("position startpos", "go depth 30")
         self.assertLessEqual(max_field(lines, "nodes"), 10 + 6 + 40)  # full material: 10 nodes, up to 6 more
         self.assertLess(seconds, 3.0)  # no clock, no wait
@@ -36,7 +36,7 @@ class Limited(EngineTestCase):
         self.assertGreater(len(moves), 1)  # the generator is never reseeded
 
     def test_clock_search_waits_but_not_past_its_clock(self):
-        self.limit(850)
+        limit(self.engine, 850)
         for _ in range(3):  # target 1038 ms: 342..2076 ms in all
             seconds = self.timed_go("position startpos", "go wtime 60000 btime 60000")[2]
             self.assertTrue(0.33 <= seconds < 2.7, seconds)
@@ -51,7 +51,7 @@ class Limited(EngineTestCase):
         self.engine.read_until(is_bestmove, 2.0)
 
     def test_isready_stop_and_quit_act_during_the_wait(self):
-        self.limit(850)
+        limit(self.engine, 850)
         for end in ("stop", "quit"):
             self.engine.send("position startpos")
             self.engine.send("go wtime 600000 btime 600000")  # target 10.5 s: at least 3.4 s of waiting
@@ -67,7 +67,7 @@ class Limited(EngineTestCase):
         self.engine.send("setoption name Syzygy Path value " + SYZYGY)
         position = "position fen 8/8/8/4k3/8/8/1r6/1R2K2R w - - 0 1"  # five men; Rxb2 leaves four
         self.assertGreater(max_field(self.go(position, "go depth 8")[0], "tbhits"), 0)
-        self.limit(2800)
+        limit(self.engine, 2800)
         self.assertEqual(max_field(self.go(position, "go depth 8")[0], "tbhits"), 0)
 
 
@@ -75,13 +75,11 @@ class FreshStarts(unittest.TestCase):
     def test_each_start_plays_its_own_limited_game(self):
         # The same commands to three new processes: the node budget, the noisy
         # tables and evaluations come from a generator seeded anew at each start.
-        positions = ["startpos", "startpos moves e2e4", "startpos moves d2d4 d7d5",
-                     "fen r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq - 2 3"]
+        positions = ["startpos", "fen r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq - 2 3"]
         starts = []
         for _ in range(3):
             engine = start(self, ENGINE, timeout=20.0)
-            engine.send("setoption name UCI_LimitStrength value true")
-            engine.send("setoption name UCI_Elo value 1200")
+            limit(engine, 1200)
             replies = []
             for position in positions:  # the last line with a score, the nodes searched and the move
                 engine.send("position " + position)

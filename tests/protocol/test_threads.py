@@ -1,10 +1,6 @@
-"""Searching with several threads, as a GUI or match runner sets it up: the
-Threads option, commands that act during a multi-thread search, MultiPV and
-searchmoves, count changes between searches, many threads on a small table,
-and a legality check of every move played in fast multi-thread games.
-
-Run with an engine path (and the developer tool's); `make test-tsan` runs this
-file against a ThreadSanitizer build, so every wait allows for a slow engine."""
+"""Searching with several threads, as a GUI or match runner sets it up.
+`make test-tsan` runs this file against a ThreadSanitizer build, so every
+wait allows for a slow engine."""
 import os
 import re
 import subprocess
@@ -26,11 +22,6 @@ SANITIZED = bool(os.environ.get("VORLAXEN_SANITIZER"))
 MIDGAME = "position fen r1bq1rk1/pp2bppp/2n1pn2/2pp4/3P4/2PBPN2/PP1N1PPP/R2QK2R w KQ - 0 8"
 
 
-def nodes_of(line):
-    m = re.search(r" nodes (\d+)", line)
-    return int(m.group(1)) if m else None
-
-
 class ThreadsTestCase(EngineTestCase):
     timeout = TIMEOUT
 
@@ -38,7 +29,6 @@ class ThreadsTestCase(EngineTestCase):
         self.engine.send("setoption name Threads value %d" % n)
 
     def seconds_to_bestmove(self, command):
-        """Sends a command during a search; seconds until "bestmove" follows."""
         start_time = time.monotonic()
         self.engine.send(command)
         self.engine.read_until(is_bestmove)
@@ -80,8 +70,8 @@ class Commands(ThreadsTestCase):
         self.set_threads(1)
         self.engine.send("ucinewgame")
         again = self.go(MIDGAME, "go depth 9")[0]
-        summary = [nodes_of(l) for l in first if l.startswith("info time ")]
-        self.assertEqual(summary, [nodes_of(l) for l in again if l.startswith("info time ")])
+        nodes = lambda lines: [re.search(r" nodes \d+", l)[0] for l in lines if l.startswith("info time ")]
+        self.assertEqual(nodes(first), nodes(again))
 
 
 class Output(ThreadsTestCase):
@@ -90,9 +80,7 @@ class Output(ThreadsTestCase):
         for n in (1, 2):
             self.set_threads(n)
             self.engine.send("bench -10")
-            lines = self.engine.read_until(lambda l: l.startswith("Nodes/second"))
-            totals += [l for l in lines if l.startswith("Nodes searched")]
-        self.assertEqual(len(totals), 2)
+            totals.append(self.engine.read_until(lambda l: l.startswith("Nodes searched"))[-1])
         self.assertEqual(totals[0], totals[1])
 
     def test_multipv_and_searchmoves_with_threads(self):
@@ -104,25 +92,20 @@ class Output(ThreadsTestCase):
         first_moves = [l.split(" pv ")[1].split()[0] for l in last]
         self.assertEqual(len(set(first_moves)), 3)
         self.assertEqual(best, first_moves[0])
-        # The lines come best first.
         scores = [int(re.search(r" score cp (-?\d+) ", l).group(1)) for l in last]
         self.assertEqual(sorted(scores, reverse=True), scores)
 
         self.engine.send("setoption name MultiPV value 1")
-        for allowed in (["a2a3", "h2h3"], ["d1c2"], ["e1g1", "a2a4", "b2b4"]):
-            lines, best, _ = self.go(MIDGAME, "go movetime 300 searchmoves " + " ".join(allowed))
-            self.assertIn(best, allowed)
-            for l in lines:
-                if " pv " in l:
-                    self.assertIn(l.split(" pv ")[1].split()[0], allowed, l)
+        allowed = ["e1g1", "a2a4", "b2b4"]
+        lines, best, _ = self.go(MIDGAME, "go movetime 300 searchmoves " + " ".join(allowed))
+        self.assertIn(best, allowed)
+        self.assertLessEqual({l.split(" pv ")[1].split()[0] for l in lines if " pv " in l}, set(allowed))
 
     def test_sixty_four_threads_on_a_one_megabyte_table(self):
         self.engine.send("setoption name Hash value 1")
         self.set_threads(64)
         self.assertEqual(self.engine.sync(), [])
         self.assertRegex(self.go(MIDGAME, "go movetime 1000")[1], r"^[a-h][1-8][a-h][1-8][nbrq]?$")
-        self.set_threads(1)
-        self.go("position startpos", "go depth 6")
 
     @unittest.skipIf(SANITIZED, "the sanitizer runtime cannot run in a small address space")
     def test_threads_that_cannot_be_had_are_reported_and_the_rest_search(self):

@@ -49,12 +49,10 @@ UCI_LISTING = [
 
 class UciTestCase(EngineTestCase):
     def setUp(self):
-        # One greeting line; the first "isready" loads the databases of the default path: none here.
         super().setUp()
         self.assertEqual(self.engine.greeting, GREETING)
 
     def answer(self, command):
-        """The lines a command writes, up to the "readyok" of a following isready."""
         self.engine.send(command)
         return self.engine.sync()
 
@@ -73,43 +71,29 @@ class StartAndCommandWords(UciTestCase):
                                 ("  stop   ", None), ("ponderhit", None), ("ucinewgame", None)):
             self.assertEqual(self.answer(command), ["unknown command: " + answer] if answer is not None else [], command)
 
-    def test_words_after_a_plain_command_are_ignored(self):
-        self.engine.send("isready now please")
-        self.assertEqual(self.engine.read_line(), "readyok")
-        self.engine.send("uci extra words")
-        self.assertEqual(self.engine.read_until("uciok"), UCI_LISTING)
-
 
 class PositionCommand(UciTestCase):
-    def test_accepted_positions_write_nothing(self):
-        # Which moves are played and which skipped: the unit tests (commands_test).
-        for command in ("position startpos", "position startpos moves e2e5 e2e4",
-                        "position fen 4k3/8/8/8/8/8/8/4R1K1 b - -",
+    def test_accepted_positions_write_nothing_and_the_others_are_rejected(self):
+        for command in ("position startpos moves e2e5 e2e4", "position fen 4k3/8/8/8/8/8/8/4R1K1 b - -",
                         "position fen 1r2k1r1/8/8/8/8/8/8/1R2K1R1 w GBgb - 0 1 moves e1g1"):
             self.assertEqual(self.answer(command), [], command)
-
-    def test_malformed_commands_and_positions_the_search_cannot_stand_on_are_rejected(self):
-        for command in ("position", "position startpos e2e4", "position start", "position fen",
-                        "position fen not/a/fen w - -", "position fen 8/8/8/8/8/8/8/8 x - -", "position moves e2e4"):
+        for command in ("position", "position startpos e2e4", "position fen 8/8/8/8/8/8/8/8 x - -"):
             self.assertEqual(self.answer(command), ["illegal position command"], command)
-        for fen in ("8/8/8/8/8/8/8/8 w - -", "4k3/8/8/8/8/8/8/8 w - -", "4k3/8/8/8/8/8/8/K3K3 w - -",
-                    "4kk2/8/8/8/8/8/8/4K3 w - -", "4k2P/8/8/8/8/8/8/4K3 w - -", "4k3/8/8/8/8/8/8/p3K3 b - -",
-                    "4k3/8/8/8/8/NNNNNNNN/NNNNNNNN/4K3 w - -", "4k3/8/8/8/QQQQQQQQ/QQQQQQQ1/8/4K3 w - -",
+        for fen in ("4k3/8/8/8/8/8/8/8 w - -", "4k3/8/8/8/8/8/8/K3K3 w - -", "4k2P/8/8/8/8/8/8/4K3 w - -",
+                    "4k3/8/8/8/8/8/8/p3K3 b - -", "4k3/8/8/8/8/NNNNNNNN/NNNNNNNN/4K3 w - -",
                     "4k3/8/8/8/8/PPPPPPPP/BBB5/4K3 w - -", "4k3/8/8/8/8/8/8/4R1K1 w - -", "8/8/8/8/8/3kK3/8/8 b - -"):
             self.assertEqual(self.answer("position fen " + fen), ["illegal position command"], fen)
 
 
 class SetOptionCommand(UciTestCase):
     def test_unknown_names_are_reported(self):
-        for command, name in (("setoption name Hashes value 1", "Hashes"), ("setoption name Has value 1", "Has"),
-                              ("setoption name Clear  Hashes", "Clear Hashes"), ("setoption", "")):
+        for command, name in (("setoption name Has value 1", "Has"),
+                              ("setoption name Clear  Hashes", "Clear Hashes")):
             self.assertEqual(self.answer(command), ["option not found: " + name], command)
 
     def test_accepted_and_rejected_values_show_in_the_listing(self):
-        # Which values each kind of option refuses: the unit tests (options_test);
-        # here an Elo above the range and "TRUE" for a check leave the defaults.
-        for command in ("setoption name hash value 128MB", "setoption name UCI_Elo value 3000",
-                        "setoption name Ponder value TRUE", "setoption name contempt value -300",
+        # Which values each kind of option refuses: the unit tests (options_test).
+        for command in ("setoption name hash value 128MB", "setoption name contempt value -300",
                         "setoption name UCI_EngineAbout value a   spaced    text",
                         "setoption name Clear Hash", "setoption name Syzygy Path value <empty>"):
             self.assertEqual(self.answer(command), [], command)
@@ -123,20 +107,17 @@ class SetOptionCommand(UciTestCase):
 
 class Ending(unittest.TestCase):
     def test_end_of_input_without_quit(self):
-        engine = start(self, ENGINE)
-        engine.send("position startpos moves e2e4")
-        engine.close_input()
-        self.assertEqual(engine.wait(), 0)
+        self.assertEqual(run_engine(stdin=b"position startpos moves e2e4\n"), (0, [GREETING]))
 
     def test_quit_with_more_words_ends_without_more_input(self):
-        for line in ("quit now", " quit", "quit\t"):
+        # Words after any plain command are ignored; quit shows it without an answer to wait for.
+        for line in ("quit now", " quit"):
             engine = start(self, ENGINE)
             engine.send(line)  # input stays open
             self.assertEqual(engine.wait(5), 0, repr(line))
 
     def test_lines_after_quit_are_not_executed(self):
-        code, lines = run_engine(stdin=b"isready\nquit\nisready\n")
-        self.assertEqual((code, lines), (0, [GREETING, NO_BASES, "readyok"]))
+        self.assertEqual(run_engine(stdin=b"isready\nquit\nisready\n"), (0, [GREETING, NO_BASES, "readyok"]))
 
 
 class CommandLineMode(unittest.TestCase):
@@ -146,9 +127,8 @@ class CommandLineMode(unittest.TestCase):
         self.assertEqual(run_engine("isready", env={"VORLAXEN_BUILD": "other"}), (0, [GREETING, NO_BASES, "readyok"]))
 
     def test_arguments_run_as_one_command_and_standard_input_is_not_read(self):
-        for args, answer in ((["uci"], UCI_LISTING), (["isready"], [NO_BASES, "readyok"]),
-                             ("setoption name Hashes value 1".split(), ["option not found: Hashes"]),
-                             ("position startpos e2e4".split(), ["illegal position command"])):
+        for args, answer in ((["uci"], UCI_LISTING),
+                             ("setoption name Hashes value 1".split(), ["option not found: Hashes"])):
             self.assertEqual(run_engine(*args, stdin=b"uci\n"), (0, [GREETING] + answer), args)
 
 
@@ -204,13 +184,10 @@ class HostileInput(UciTestCase):
         self.engine.send(("setoption name " + "Hash " * 20_000 + "value 1").encode())
         lines = self.engine.sync()
         self.assertEqual(lines[-1][:30], "option not found: Hash Hash Ha")
-        self.assertTrue(lines[-2].startswith("unknown command: xxxx"))
-        self.assertEqual(len(lines[-2]), len("unknown command: ") + 100_000)
+        self.assertEqual(lines[-2], "unknown command: " + "x" * 100_000)
 
     def test_absurd_numbers(self):
-        for command in ("setoption name Hash value 99999999999999999999999",
-                        "setoption name Hash value -1", "setoption name Hash value 0",
-                        "setoption name Contempt value -2147483649",
+        for command in ("setoption name Hash value 0", "setoption name Contempt value -2147483649",
                         "position fen 4k3/8/8/8/8/8/8/4K3 w - - 99999999999999999999 -5",
                         "position fen 4k3/8/8/8/8/8/8/4K3 w - z9 0 1",
                         "setoption name Time Buffer (sec) value 18446744073709551616"):
@@ -221,13 +198,12 @@ class HostileInput(UciTestCase):
     def test_impossible_en_passant_fields_are_searched_safely(self):
         # Pasted positions no game reaches: a capture that would uncover a
         # diagonal check, and fields with no double-stepped pawn behind them.
-        for fen in ("8/5bk1/8/2Pp4/8/1K6/8/8 w - d6 0 1", "4R3/qQ6/4qP1n/3pP2k/2K3p1/8/5P2/8 w - d6 18 179",
-                    "8/P2Q1n2/1k1q1R2/4P2B/8/8/2K5/8 w - d6 21 157"):
+        for fen in ("8/5bk1/8/2Pp4/8/1K6/8/8 w - d6 0 1", "4R3/qQ6/4qP1n/3pP2k/2K3p1/8/5P2/8 w - d6 18 179"):
             self.assertNotIn(self.go("position fen " + fen, "go depth 8", 30)[1], ("c5d6", "e5d6", "0000"), fen)
 
     def test_absurd_search_limits_still_give_a_move(self):
-        for go in ("go depth -5", "go depth 0", "go depth 2147483647 movetime 100", "go nodes -1 depth 2",
-                   "go movetime -5 depth 2", "go wtime -100", "go nodes 1", "go movestogo 2147483647 wtime 300",
+        # How each number is read: the unit tests (commands_test).
+        for go in ("go depth 0", "go wtime -100", "go nodes 1", "go movestogo 2147483647 wtime 300",
                    "go wtime 2147483647 btime -2147483648 winc 2147483647 movestogo -3 depth 3"):
             self.assertIn(self.go("position startpos", go, 30)[1], START_MOVES, go)
 

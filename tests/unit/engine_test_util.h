@@ -23,9 +23,7 @@ struct EngineFixture {
     MoveList legal;
     GenerateLegal(position, legal);
     std::vector<Move> moves(legal.begin(), legal.end());
-    testing::internal::CaptureStdout();
-    LaunchSearch(pool, MOVE_NONE, MOVE_NONE, moves);
-    return testing::internal::GetCapturedStdout();
+    return test::output_of([&] { LaunchSearch(pool, MOVE_NONE, MOVE_NONE, moves); });
   }
 };
 

@@ -2,10 +2,6 @@
 // FEN text of a position, and random game positions.
 #pragma once
 
-#include <string>
-#include <vector>
-
-#include "board/movegen.h"
 #include "eval/evaluate.h"
 #include "search/thread.h"
 #include "test_util.h"
@@ -34,7 +30,7 @@ struct EvalTest : ::testing::Test, EvalFixture {};
 // Placement, side to move and castling rights of a position, without an
 // en-passant square.
 inline std::string fen_of(const Position& pos) {
-  auto parts = split_fen(dev::PositionFen(pos, 0, 1));
+  auto parts = split(dev::PositionFen(pos, 0, 1));
   return parts[0] + " " + parts[1] + " " + parts[2] + " - 0 1";
 }
 

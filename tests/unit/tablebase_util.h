@@ -3,10 +3,6 @@
 #pragma once
 
 #include <cstdlib>
-#include <filesystem>
-#include <random>
-#include <string>
-#include <vector>
 
 #include "egdb/syzygy/material.h"
 #include "test_util.h"

@@ -1,9 +1,6 @@
 // Solving and writing small materials for the database tests.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "egdb/bases/library_position.h"
 #include "test_util.h"
 #include "tools/tbgen/diagram_builder.h"

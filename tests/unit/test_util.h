@@ -77,9 +77,9 @@ void random_walks(std::initializer_list<const char*> starts, int games, int plie
     }
 }
 
-inline std::vector<std::string> split_fen(const std::string& fen, char separator = ' ') {
+inline std::vector<std::string> split(const std::string& text, char separator = ' ') {
   std::vector<std::string> parts;
-  std::istringstream in(fen);
+  std::istringstream in(text);
   for (std::string part; std::getline(in, part, separator);) parts.push_back(part);
   return parts;
 }
@@ -92,8 +92,8 @@ inline std::string swap_case(std::string s) {
 // Board turned top to bottom; colours, castling rights, side to move and
 // the en-passant square's rank swapped.
 inline std::string colour_mirror(const std::string& fen) {
-  const auto parts = split_fen(fen);
-  const auto ranks = split_fen(parts[0], '/');
+  const auto parts = split(fen);
+  const auto ranks = split(parts[0], '/');
   std::string placement;
   for (auto r = ranks.rbegin(); r != ranks.rend(); ++r) placement += swap_case(*r) + (r + 1 != ranks.rend() ? "/" : "");
   std::string rights;  // in the usual KQkq order
@@ -106,9 +106,9 @@ inline std::string colour_mirror(const std::string& fen) {
 
 // Board turned left to right (only for positions without castling rights).
 inline std::string file_mirror(const std::string& fen) {
-  const auto parts = split_fen(fen);
+  const auto parts = split(fen);
   std::string placement;
-  for (std::string rank : split_fen(parts[0], '/')) {
+  for (std::string rank : split(parts[0], '/')) {
     std::reverse(rank.begin(), rank.end());
     placement += (placement.empty() ? "" : "/") + rank;
   }
@@ -128,6 +128,14 @@ inline bool state_is_exact(const Position& pos) {
   }
   for (Square s = 0; s < 64; ++s) exact &= !pos.board[s] || (pos.pieces[pos.board[s]] & sq_bb(s));
   return exact;
+}
+
+// What f writes to standard output.
+template <class F>
+std::string output_of(F&& f) {
+  ::testing::internal::CaptureStdout();
+  f();
+  return ::testing::internal::GetCapturedStdout();
 }
 
 // A fresh directory under the system's temporary directory.

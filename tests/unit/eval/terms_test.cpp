@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "eval/endgame.h"
-#include "eval/kingsafety.h"
 #include "eval_test_util.h"
 
 namespace vx {
@@ -12,21 +11,8 @@ namespace {
 
 using EvalTermsTest = test::EvalTest;
 
-// The accumulated curve: zero up to index 4, its first step, a middle value and the end.
-TEST(KingSafetyTables, DangerCurve) {
-  test::init();
-  for (int i = 0; i <= 4; ++i) EXPECT_EQ(king_danger_value(i), 0) << i;
-  EXPECT_EQ(king_danger_value(5), make_pair(-1, 0));
-  EXPECT_EQ(king_danger_value(200), make_pair(-1838, 0));
-  EXPECT_EQ(king_danger_value(384), make_pair(-2494, 0));
-}
-
 TEST_F(EvalTermsTest, GroupValuesOfWorkedPositions) {
-  const struct {
-    const char* fen;
-    EvalGroup group;
-    ValuePair white;
-  } cases[] = {
+  const struct { const char* fen; EvalGroup group; ValuePair white; } cases[] = {
       // Passer on the seventh, path free and covered by the king: k = 252 + 178, 354 * 430 / 256.
       {"k7/3KP3/8/8/8/8/8/7n w - - 0 1", GROUP_PASSED, make_pair(594, 594)},
       // The unstoppable bonus (endgame half) only against a bare king.

@@ -2,9 +2,6 @@
 // of known constants from games drawn from a known model.
 #include <gtest/gtest.h>
 
-#include <random>
-#include <sstream>
-
 #include "test_util.h"
 #include "tools/match/wdl_fit.h"
 

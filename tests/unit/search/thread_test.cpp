@@ -4,8 +4,6 @@
 // in tests/protocol/test_threads.py.
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 #include "engine/commands.h"
 #include "engine_test_util.h"
 #include "search/root.h"
@@ -25,11 +23,9 @@ TEST_F(ThreadsTest, PoolGrowsAndShrinksWithHelpersOnTheMainRoot) {
       const SearchState& h = *pool.threads[i]->state;
       EXPECT_EQ(h.thread_index, int(i));
       EXPECT_EQ(h.table, &tt);
-      EXPECT_EQ(h.thread, pool.threads[i]);
       EXPECT_EQ(pool.threads[i]->position->state->key, position.state->key);
     }
   }
-  // "position" reaches every thread.
   std::istringstream args("startpos moves e2e4");
   GameMoves game;
   ASSERT_TRUE(SetupPosition(pool, args, game));
@@ -46,9 +42,6 @@ TEST_F(ThreadsTest, HelpersSearchAndTheOutputCountsTheirNodes) {
   const size_t summary = out.rfind("info time ");
   ASSERT_NE(summary, std::string::npos) << out;
   EXPECT_GT(std::stoull(out.substr(out.find(" nodes ", summary) + 7)), uint64_t(state->nodes));
-  std::string word, best;
-  std::istringstream(out.substr(out.rfind("bestmove "))) >> word >> best;
-  EXPECT_NE(ParseMove(position, best), MOVE_NONE) << out;
 }
 
 // Bench searches with one thread too: tests/protocol/test_threads.py.
@@ -74,7 +67,6 @@ TEST(HelperIterations, EveryDepthIsSearchedBySomeHelpersAndSkippedByOthers) {
   // reaches second: every other one.
   EXPECT_TRUE(HelperSkipsIteration(1, 1));
   EXPECT_FALSE(HelperSkipsIteration(1, 2));
-  EXPECT_EQ(HelperSkipsIteration(21, 7), HelperSkipsIteration(1, 7));
 }
 
 }  // namespace
