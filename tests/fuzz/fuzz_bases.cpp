@@ -65,5 +65,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       int result = 0;
       ProbeLibraryPosition(p, result);
     }
+  unlink(path.c_str());  // the loader is done with it: nothing is left behind in /tmp
   return 0;
 }
