@@ -44,7 +44,7 @@ PGO := $(if $(CLANG),$(shell test -x $(PROFDATA) && echo clang),$(shell echo 'in
 PGO_TRAIN := bench -2
 TARGET := $(if $(EXE),--target vorlaxen)
 
-.PHONY: all run bases windows arm64 dist test-windows test-arm64 test test-release test-sanitize test-tsan test-fuzz-smoke fuzz fuzz-build test-tables mutate clean
+.PHONY: all run bases windows wine-prefix arm64 dist test-windows test-arm64 test test-release test-sanitize test-tsan test-fuzz-smoke fuzz fuzz-build test-tables mutate clean
 
 # Configures build directory $(1) for Release with the chosen compiler and the
 # options $(2). CMake forgets the options given together with a new compiler,
@@ -135,12 +135,31 @@ mutate:
 # The other platforms, cross-compiled here and run under Wine and qemu-user
 # (Debian: g++-mingw-w64-x86-64-posix, wine, wine64, g++-aarch64-linux-gnu,
 # qemu-user). Both programs are linked statically.
-WINE := WINEDEBUG=-all WINEPREFIX=$(CURDIR)/build-windows/wine wine
+WINE_PREFIX := $(CURDIR)/build-windows/wine
+WINE := WINEDEBUG=-all WINEPREFIX=$(WINE_PREFIX) wine
+
+# Wine's prefix (its C: drive and registry) is made on its own before any
+# Windows program runs, so that a failure to make it reads as that, not as a
+# failure of the engine. It takes about 700 MB; when making it fails, the free
+# space is shown and it is made once more from nothing.
+wine-prefix:
+	@if [ ! -f $(WINE_PREFIX)/system.reg ] || [ ! -f $(WINE_PREFIX)/drive_c/windows/system32/kernel32.dll ]; then \
+	  mkdir -p build-windows; \
+	  for attempt in 1 2; do \
+	    rm -rf $(WINE_PREFIX); \
+	    echo "making Wine's prefix in build-windows/wine (about 700 MB; $$(df -Pm build-windows | awk 'NR==2 {print $$4}') MB free)"; \
+	    WINEDEBUG=-all WINEPREFIX=$(WINE_PREFIX) wine wineboot --init </dev/null 2>build-windows/wine-prefix.log; \
+	    WINEPREFIX=$(WINE_PREFIX) wineserver -w; \
+	    if [ -f $(WINE_PREFIX)/system.reg ] && [ -f $(WINE_PREFIX)/drive_c/windows/system32/kernel32.dll ]; then exit 0; fi; \
+	    echo "Wine could not make its prefix (attempt $$attempt of 2); it said:"; cat build-windows/wine-prefix.log; \
+	    echo "free space now:"; df -h build-windows; \
+	  done; exit 1; \
+	fi
 CROSS = -DCMAKE_BUILD_TYPE=Release -DCMAKE_TOOLCHAIN_FILE=$(CURDIR)/cmake/$(1).cmake -DVORLAXEN_TESTS=OFF -DVORLAXEN_STATIC=ON
 
 # The Windows engine: MinGW-w64's GCC, optimised at link time and profile-
 # guided, the training run under Wine.
-windows:
+windows: wine-prefix
 	cmake -S . -B build-windows/pgo $(call CROSS,mingw-w64-x86_64) -DVORLAXEN_PGO=GENERATE \
 	  -DVORLAXEN_PGO_DIR=$(CURDIR)/build-windows/pgo/profile >/dev/null
 	cmake --build build-windows/pgo -j $(JOBS) --target vorlaxen
