@@ -137,20 +137,21 @@ mutate:
 # qemu-user). Both programs are linked statically.
 WINE_PREFIX := $(CURDIR)/build-windows/wine
 WINE := WINEDEBUG=-all WINEPREFIX=$(WINE_PREFIX) wine
+WINE_PREFIX_MADE := { [ -f $(WINE_PREFIX)/system.reg ] && [ -f $(WINE_PREFIX)/drive_c/windows/system32/kernel32.dll ]; }
 
 # Wine's prefix (its C: drive and registry) is made on its own before any
 # Windows program runs, so that a failure to make it reads as that, not as a
 # failure of the engine. It takes about 700 MB; when making it fails, the free
 # space is shown and it is made once more from nothing.
 wine-prefix:
-	@if [ ! -f $(WINE_PREFIX)/system.reg ] || [ ! -f $(WINE_PREFIX)/drive_c/windows/system32/kernel32.dll ]; then \
+	@if ! $(WINE_PREFIX_MADE); then \
 	  mkdir -p build-windows; \
 	  for attempt in 1 2; do \
 	    rm -rf $(WINE_PREFIX); \
 	    echo "making Wine's prefix in build-windows/wine (about 700 MB; $$(df -Pm build-windows | awk 'NR==2 {print $$4}') MB free)"; \
-	    WINEDEBUG=-all WINEPREFIX=$(WINE_PREFIX) wine wineboot --init </dev/null 2>build-windows/wine-prefix.log; \
+	    $(WINE) wineboot --init </dev/null 2>build-windows/wine-prefix.log; \
 	    WINEPREFIX=$(WINE_PREFIX) wineserver -w; \
-	    if [ -f $(WINE_PREFIX)/system.reg ] && [ -f $(WINE_PREFIX)/drive_c/windows/system32/kernel32.dll ]; then exit 0; fi; \
+	    if $(WINE_PREFIX_MADE); then exit 0; fi; \
 	    echo "Wine could not make its prefix (attempt $$attempt of 2); it said:"; cat build-windows/wine-prefix.log; \
 	    echo "free space now:"; df -h build-windows; \
 	  done; exit 1; \
